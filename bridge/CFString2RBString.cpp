@@ -1,0 +1,43 @@
+#include "bridge/CocoaStrings.h"
+
+#include "frame/HostText.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr CFIndex largestStackLength = 99; // UTF-16 units
+constexpr CFIndex bytesPerUnit = 6;
+constexpr CFIndex stackCapacity = 600;
+
+struct Free {
+    void operator()(void *memory) const { std::free(memory); }
+};
+
+REALstringStruct *hostStringThrough(char *buffer, CFIndex capacity, CFStringRef string) {
+    if (!CFStringGetCString(string, buffer, capacity, HostEncoding::utf8))
+        return nullptr;
+    return REALBuildUnicodeString(buffer, static_cast<std::int64_t>(std::strlen(buffer)),
+                                  HostEncoding::utf8);
+}
+
+} // namespace
+
+REALstringStruct *CFString2RBString(CFStringRef string) {
+    if (string == nullptr)
+        return nullptr;
+    const CFIndex length = CFStringGetLength(string);
+    if (length <= 0)
+        return nullptr;
+
+    if (length <= largestStackLength) {
+        char buffer[stackCapacity + 1] = {};
+        return hostStringThrough(buffer, stackCapacity, string);
+    }
+    const CFIndex capacity = bytesPerUnit * length;
+    const std::unique_ptr<char, Free> buffer{
+        static_cast<char *>(std::calloc(static_cast<std::size_t>(capacity), 1))};
+    return buffer ? hostStringThrough(buffer.get(), capacity, string) : nullptr;
+}

@@ -1,0 +1,94 @@
+#include "processinfo/Handlers.h"
+
+#include "bridge/CocoaStrings.h"
+#include "frame/CocoaTrap.h"
+#include "processinfo/WrappedObject.h"
+
+// A message to nil answers zero, nil or 0.0, which is what a property of an unbound instance reads:
+// only what must not be asked of nil is tested.
+namespace processinfo {
+
+// A string property: the answer of one message, as a host string.
+template <class Send>
+static REALstringStruct *stringProperty(Send send) {
+    return trapCocoaExceptions<REALstringStruct *>(
+        nullptr, [&] { return CFString2RBString((CFStringRef)send()); });
+}
+
+std::int64_t thermalState(REALobjectStruct *instance, std::intptr_t) {
+    NSProcessInfo *wrapped = wrappedObject(instance);
+    if (wrapped == nil)
+        return -1;
+    return trapCocoaExceptions<std::int64_t>(-1, [&]() -> std::int64_t {
+        if (![wrapped respondsToSelector:@selector(thermalState)])
+            return -1;
+        return [wrapped thermalState];
+    });
+}
+
+REALstringStruct *operatingSystemVersionString(REALobjectStruct *instance, std::intptr_t) {
+    return stringProperty([&] { return [wrappedObject(instance) operatingSystemVersionString]; });
+}
+
+REALstringStruct *globallyUniqueString(REALobjectStruct *instance, std::intptr_t) {
+    return stringProperty([&] { return [wrappedObject(instance) globallyUniqueString]; });
+}
+
+REALstringStruct *hostName(REALobjectStruct *instance, std::intptr_t) {
+    return stringProperty([&] { return [wrappedObject(instance) hostName]; });
+}
+
+REALstringStruct *processName(REALobjectStruct *instance, std::intptr_t) {
+    return stringProperty([&] { return [wrappedObject(instance) processName]; });
+}
+
+void setProcessName(REALobjectStruct *, std::intptr_t, REALstringStruct *) {}
+
+REALstringStruct *operatingSystemName(REALobjectStruct *instance, std::intptr_t) {
+    return stringProperty([&] { return [wrappedObject(instance) operatingSystemName]; });
+}
+
+REALobjectStruct *environment(REALobjectStruct *, std::intptr_t) {
+    return nullptr;
+}
+
+std::int64_t processIdentifier(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::int64_t>(
+        0, [&]() -> std::int64_t { return [wrappedObject(instance) processIdentifier]; });
+}
+
+std::int64_t operatingSystem(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::int64_t>(
+        0, [&] { return static_cast<std::int64_t>([wrappedObject(instance) operatingSystem]); });
+}
+
+std::int64_t activeProcessorCount(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::int64_t>(0, [&] {
+        return static_cast<std::int64_t>([wrappedObject(instance) activeProcessorCount]);
+    });
+}
+
+std::int64_t processorCount(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::int64_t>(
+        0, [&] { return static_cast<std::int64_t>([wrappedObject(instance) processorCount]); });
+}
+
+std::uint64_t physicalMemory(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::uint64_t>(
+        0, [&] { return [wrappedObject(instance) physicalMemory]; });
+}
+
+double systemUptime(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions(0.0, [&] { return [wrappedObject(instance) systemUptime]; });
+}
+
+std::int32_t automaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<std::int32_t>(0, [&]() -> std::int32_t {
+        return static_cast<signed char>(
+            [wrappedObject(instance) automaticTerminationSupportEnabled]);
+    });
+}
+
+void setAutomaticTerminationSupportEnabled(REALobjectStruct *, std::intptr_t, std::int8_t) {}
+
+} // namespace processinfo
