@@ -99,8 +99,11 @@ inline constinit HostService<void *(void *module, const char *declaration)> REAL
     "REALLoadGlobalMethod"}; // every caller passes no module
 
 // Arrays
+inline constexpr std::int64_t stringElements = 3;
+inline constexpr std::int64_t objectElements = 4;
+inline constexpr std::int64_t emptyArray = -1; // as upper bound
 inline constinit HostService<REALobjectStruct *(std::int64_t elementType, std::int64_t upperBound)>
-    REALCreateArray{"RuntimeArrayCreateSingleDimBoundedArray"}; // upper bound -1: no elements
+    REALCreateArray{"RuntimeArrayCreateSingleDimBoundedArray"};
 inline constinit HostService<StringInsertProcedure *(REALobjectStruct *array)>
     REALInsertArrayValueString{"PluginStringArrayInsertProc"};
 inline constinit HostService<ObjectInsertProcedure *(REALobjectStruct *array)>

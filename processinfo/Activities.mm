@@ -1,20 +1,89 @@
 #include "processinfo/Handlers.h"
 
-namespace processinfo {
+#include "bridge/CocoaStrings.h"
+#include "frame/CocoaTrap.h"
+#include "frame/HostServices.h"
+#include "frame/RaiseException.h"
+#include "processinfo/ActivityData.h"
+#include "processinfo/Classes.h"
+#include "processinfo/WrappedObject.h"
 
-REALobjectStruct *beginActivityWithOptions(REALobjectStruct *, std::int64_t, REALstringStruct *) {
-    return nullptr;
+// Activities begin and end on the process's shared object, asked for at each use: they work on an
+// unbound instance too. Termination is steered through the instance's own object.
+
+static ActivityData &activityData(REALobjectStruct *activity) {
+    return instanceData<ActivityData>(activity,
+                                      static_cast<std::size_t>(processActivityClass.dataOffset));
 }
 
-void endActivity(REALobjectStruct *, REALobjectStruct *) {}
+static void endAndRelease(const ActivityData &data) {
+    id token = (id)data.token;
+    [[NSProcessInfo processInfo] endActivity:token];
+    [token release];
+}
 
-void disableSuddenTermination(REALobjectStruct *) {}
+namespace processinfo {
 
-void enableSuddenTermination(REALobjectStruct *) {}
+REALobjectStruct *beginActivityWithOptions(REALobjectStruct *, std::int64_t options,
+                                           REALstringStruct *reason) {
+    // An exception after the activity instance was made abandons it.
+    return trapCocoaExceptions<REALobjectStruct *>(nullptr, [&]() -> REALobjectStruct * {
+        if (![[NSProcessInfo processInfo]
+                respondsToSelector:@selector(beginActivityWithOptions:reason:)])
+            return nullptr;
+        REALobjectStruct *activity = REALnewInstance("NSProcessInfoActivityZKT");
+        if (activity == nullptr)
+            return nullptr;
 
-void disableAutomaticTermination(REALobjectStruct *, REALstringStruct *) {}
+        NSString *text = NewNSString(reason);
+        id token = [[NSProcessInfo processInfo]
+            beginActivityWithOptions:static_cast<NSActivityOptions>(options)
+                              reason:text];
+        ActivityData &data = activityData(activity);
+        data.token = [token retain];
+        data.active = true;
+        data.options = options;
+        if (reason != nullptr) {
+            data.reason = reason;
+            REALLockString(reason);
+        }
+        return activity;
+    });
+}
 
-void enableAutomaticTermination(REALobjectStruct *, REALstringStruct *) {}
+void endActivity(REALobjectStruct *, REALobjectStruct *activity) {
+    if (activity == nullptr) {
+        RaiseException("NilObjectException", "activity is nil");
+        return;
+    }
+    trapCocoaExceptions([&] {
+        if (![[NSProcessInfo processInfo] respondsToSelector:@selector(endActivity:)])
+            return;
+        ActivityData &data = activityData(activity);
+        if (data.active)
+            endAndRelease(data);
+        data.token = nullptr;
+        data.active = false;
+    });
+}
+
+void disableSuddenTermination(REALobjectStruct *instance) {
+    trapCocoaExceptions([&] { [wrappedObject(instance) disableSuddenTermination]; });
+}
+
+void enableSuddenTermination(REALobjectStruct *instance) {
+    trapCocoaExceptions([&] { [wrappedObject(instance) enableSuddenTermination]; });
+}
+
+void disableAutomaticTermination(REALobjectStruct *instance, REALstringStruct *reason) {
+    trapCocoaExceptions(
+        [&] { [wrappedObject(instance) disableAutomaticTermination:NewNSString(reason)]; });
+}
+
+void enableAutomaticTermination(REALobjectStruct *instance, REALstringStruct *reason) {
+    trapCocoaExceptions(
+        [&] { [wrappedObject(instance) enableAutomaticTermination:NewNSString(reason)]; });
+}
 
 } // namespace processinfo
 
@@ -22,6 +91,16 @@ namespace processinfo::activity {
 
 void Constructor(REALobjectStruct *) {}
 
-void Destructor(REALobjectStruct *) {}
+void Destructor(REALobjectStruct *instance) {
+    ActivityData &data = activityData(instance);
+    if (data.active)
+        trapCocoaExceptions([&] { endAndRelease(data); });
+    data.active = false;
+    data.token = nullptr;
+    if (data.reason != nullptr) {
+        REALUnlockString(data.reason);
+        data.reason = nullptr;
+    }
+}
 
 } // namespace processinfo::activity

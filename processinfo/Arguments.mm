@@ -1,6 +1,8 @@
 #include "processinfo/Handlers.h"
 
+#include "bridge/CocoaStrings.h"
 #include "frame/CocoaTrap.h"
+#include "frame/HostServices.h"
 #include "processinfo/WrappedObject.h"
 
 namespace processinfo {
@@ -13,12 +15,41 @@ std::int64_t argumentsCount(REALobjectStruct *instance, std::intptr_t) {
         0, [&] { return static_cast<std::int64_t>([[wrapped arguments] count]); });
 }
 
-REALstringStruct *argument(REALobjectStruct *, std::int64_t) {
-    return nullptr;
+REALstringStruct *argument(REALobjectStruct *instance, std::int64_t index) {
+    NSProcessInfo *wrapped = wrappedObject(instance);
+    if (wrapped == nil)
+        return nullptr;
+    // Foundation tests the bounds: a negative index arrives as one far too large.
+    return trapCocoaExceptions<REALstringStruct *>(nullptr, [&] {
+        return CFString2RBString(
+            (CFStringRef)[[wrapped arguments] objectAtIndex:static_cast<NSUInteger>(index)]);
+    });
 }
 
-REALobjectStruct *arguments(REALobjectStruct *) {
-    return nullptr;
+// Fills the array from the list; an element that cannot be inserted leaves its index unused.
+static void insertStrings(REALobjectStruct *array, NSArray *list) {
+    NSEnumerator *elements = [list objectEnumerator];
+    std::int64_t index = 0;
+    for (id element = [elements nextObject]; element != nil; element = [elements nextObject]) {
+        REALstringStruct *string = CFString2RBString((CFStringRef)element);
+        if (StringInsertProcedure *insert = REALInsertArrayValueString(array))
+            insert(array, index, string);
+        if (string != nullptr)
+            REALUnlockString(string);
+        ++index;
+    }
+}
+
+REALobjectStruct *arguments(REALobjectStruct *instance) {
+    REALobjectStruct *result = REALCreateArray(stringElements, emptyArray);
+    NSProcessInfo *wrapped = wrappedObject(instance);
+    if (wrapped != nil)
+        trapCocoaExceptions([&] {
+            NSArray *list = [wrapped arguments];
+            if (result != nullptr && list != nil)
+                insertStrings(result, list);
+        });
+    return result;
 }
 
 } // namespace processinfo

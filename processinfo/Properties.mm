@@ -42,7 +42,9 @@ REALstringStruct *processName(REALobjectStruct *instance, std::intptr_t) {
     return stringProperty([&] { return [wrappedObject(instance) processName]; });
 }
 
-void setProcessName(REALobjectStruct *, std::intptr_t, REALstringStruct *) {}
+void setProcessName(REALobjectStruct *instance, std::intptr_t, REALstringStruct *name) {
+    trapCocoaExceptions([&] { [wrappedObject(instance) setProcessName:NewNSString(name)]; });
+}
 
 REALstringStruct *operatingSystemName(REALobjectStruct *instance, std::intptr_t) {
     return stringProperty([&] { return [wrappedObject(instance) operatingSystemName]; });
@@ -89,6 +91,10 @@ std::int32_t automaticTerminationSupportEnabled(REALobjectStruct *instance, std:
     });
 }
 
-void setAutomaticTerminationSupportEnabled(REALobjectStruct *, std::intptr_t, std::int8_t) {}
+void setAutomaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t,
+                                           std::int8_t enabled) {
+    trapCocoaExceptions(
+        [&] { [wrappedObject(instance) setAutomaticTerminationSupportEnabled:enabled]; });
+}
 
 } // namespace processinfo

@@ -1,0 +1,61 @@
+#include "bridge/CocoaStrings.h"
+
+#include "frame/HostServices.h"
+#include "frame/PluginMain.h"
+
+#include <Foundation/Foundation.h>
+
+namespace {
+
+constexpr double hostCopiesCFStringsSince = 2012.0;
+
+// Keeps a host string's bytes where they are, until the end of the scope or an exception.
+class StringLock {
+public:
+    explicit StringLock(REALstringStruct *string) : string_(string) { REALLockString(string); }
+    // A failing host service is the caller's to see, like any other.
+    ~StringLock() noexcept(false) { REALUnlockString(string_); }
+    StringLock(const StringLock &) = delete;
+    StringLock &operator=(const StringLock &) = delete;
+
+private:
+    REALstringStruct *string_;
+};
+
+// The CFString that the host itself hands out, owned by the caller, or null.
+CFStringRef stringFromHost(REALstringStruct *string) {
+    if (hostVersion >= hostCopiesCFStringsSince)
+        if (CFStringRef copy = REALCopyStringCFString(string, 0))
+            return copy;
+    return REALGetStringCFString(string, 0);
+}
+
+// A CFString from the host string's bytes, owned by the caller; null if they do not decode. Host
+// and Core Foundation number encodings alike; UTF-16 alone needs more, to be read in host byte
+// order with a byte-order mark taken as text.
+CFStringRef stringFromBytes(REALstringStruct *string, std::uint32_t encoding) {
+    const StringLock lock(string);
+    const auto [bytes, length] = REALGetStringContents(string);
+    if (encoding == HostEncoding::utf16)
+        return CFStringCreateWithCharacters(kCFAllocatorDefault,
+                                            reinterpret_cast<const UniChar *>(bytes), length / 2);
+    return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(bytes),
+                                   length, encoding, true);
+}
+
+} // namespace
+
+NSString *NewNSString(REALstringStruct *string) {
+    if (string == nullptr)
+        return nil;
+    const std::uint32_t encoding = REALGetStringEncoding(string);
+    CFStringRef result = nullptr;
+    if (encoding == HostEncoding::unknown) {
+        result = stringFromBytes(string, HostEncoding::macRoman);
+    } else {
+        result = stringFromHost(string);
+        if (result == nullptr)
+            result = stringFromBytes(string, encoding);
+    }
+    return [(NSString *)result autorelease];
+}
