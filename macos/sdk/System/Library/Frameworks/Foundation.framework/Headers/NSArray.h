@@ -1,0 +1,26 @@
+// Arrays.
+
+#pragma once
+#pragma clang system_header
+
+#include <Foundation/NSObject.h>
+
+@class NSEnumerator<ObjectType>;
+
+#pragma clang assume_nonnull begin
+
+OBJC_VISIBLE
+@interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSMutableCopying>
+@property(readonly) NSUInteger count;
+/// Raises NSRangeException for an index outside the array.
+- (ObjectType)objectAtIndex:(NSUInteger)index;
+- (instancetype)init;
+- (NSEnumerator<ObjectType> *)objectEnumerator;
++ (instancetype)array;
++ (instancetype)arrayWithObject:(ObjectType)object;
++ (instancetype)arrayWithObjects:(ObjectType)first, ... __attribute__((sentinel(0, 1)));
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nullable])objects
+                           count:(NSUInteger)count;
+@end
+
+#pragma clang assume_nonnull end

@@ -1,0 +1,33 @@
+// Strings of UTF-16 units.
+
+#pragma once
+#pragma clang system_header
+
+#include <Foundation/NSObject.h>
+
+#pragma clang assume_nonnull begin
+
+typedef unsigned short unichar;
+
+OBJC_VISIBLE
+@interface NSString : NSObject <NSCopying, NSMutableCopying>
+@property(readonly) NSUInteger length;
+- (unichar)characterAtIndex:(NSUInteger)index;
+- (instancetype)init;
+- (BOOL)isEqualToString:(NSString *)string;
+/// Lives at least until the autorelease pool drains; null when the string has no UTF-8 form.
+@property(nullable, readonly) const char *UTF8String __attribute__((objc_returns_inner_pointer));
++ (instancetype)string;
++ (nullable instancetype)stringWithUTF8String:(const char *)text;
++ (instancetype)stringWithCharacters:(const unichar *)characters length:(NSUInteger)length;
++ (instancetype)stringWithFormat:(NSString *)format,
+                                 ... __attribute__((format(__NSString__, 1, 2)));
+@end
+
+#ifndef __APPLE__
+// The class of @"…" where literals are not Core Foundation's.
+@interface NSConstantString : NSString
+@end
+#endif
+
+#pragma clang assume_nonnull end

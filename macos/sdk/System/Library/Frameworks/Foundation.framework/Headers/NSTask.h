@@ -1,0 +1,10 @@
+// Only ever asked for its class.
+
+#pragma once
+#pragma clang system_header
+
+#include <Foundation/NSObject.h>
+
+OBJC_VISIBLE
+@interface NSTask : NSObject
+@end

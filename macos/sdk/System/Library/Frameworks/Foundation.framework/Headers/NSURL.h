@@ -1,0 +1,20 @@
+// URLs.
+
+#pragma once
+#pragma clang system_header
+
+#include <Foundation/NSObject.h>
+
+@class NSString;
+
+#pragma clang assume_nonnull begin
+
+OBJC_VISIBLE
+@interface NSURL : NSObject <NSCopying>
++ (NSURL *)fileURLWithPath:(NSString *)path;
++ (nullable instancetype)URLWithString:(NSString *)text;
+@property(nullable, readonly, copy) NSString *absoluteString;
+@property(readonly, getter=isFileURL) BOOL fileURL;
+@end
+
+#pragma clang assume_nonnull end

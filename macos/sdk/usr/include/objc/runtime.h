@@ -1,0 +1,19 @@
+// Questions to the Objective-C runtime about classes and objects. All answers are borrowed.
+
+#pragma once
+#pragma clang system_header
+
+#include <objc/objc.h>
+
+#pragma clang assume_nonnull begin
+
+/// The class of that name, or null when the process has none.
+OBJC_EXPORT Class _Nullable objc_getClass(const char *name);
+
+/// The class of an object; null for a null object.
+OBJC_EXPORT Class _Nullable object_getClass(id _Nullable object);
+
+/// The superclass; null for a root class and for a null class.
+OBJC_EXPORT Class _Nullable class_getSuperclass(Class _Nullable cls);
+
+#pragma clang assume_nonnull end
