@@ -1,0 +1,15 @@
+// File names as HFS Plus stores them.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace standin {
+
+/// The name in UTF-16, canonically decomposed but for the characters that HFS Plus leaves composed.
+/// Nothing when the bytes are not UTF-8.
+std::optional<std::u16string> hfsName(std::string_view utf8);
+
+} // namespace standin
