@@ -1,0 +1,16 @@
+#pragma once
+
+// The classes that plug-ins registered, exactly as they registered them.
+
+#include <string>
+
+namespace host {
+
+class Host;
+
+enum class DescriptionFormat { text, json, markdown };
+
+/// Every registered class in order of registration, every row in table order.
+std::string describeClasses(const Host &host, DescriptionFormat format);
+
+} // namespace host

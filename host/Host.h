@@ -1,0 +1,235 @@
+#pragma once
+
+// The reference host: everything that a host application offers a plug-in, strictly.
+//
+//     host::Host host{{.version = 2013.04}};
+//     host.loadPlugin("NSProcessInfoZKT.bundle");
+//     auto info = host.callShared("NSProcessInfoZKT", "processInfo").object();
+//     std::puts(host.get(info, "hostName").text().c_str());
+//
+// The host knows plug-in functions only through the class records that were registered: it
+// parses their declarations and calls through them. What the plug-in does wrong (leaks, over-
+// release, use after release, wrong handles, damaged memory, bad records) is a violation.
+//
+// One host at a time per process, because the resolver that plug-ins get is a plain C function.
+// All of it belongs to one thread, like the plug-in interface itself.
+
+#include "host/Image.h"
+#include "host/PluginRecords.h"
+#include "host/Services.h"
+#include "host/Trace.h"
+#include "host/Value.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+class ClassTable;
+class Heap;
+struct Method;
+struct MethodDeclaration;
+
+/// Parts of the plug-in family that are present besides the plug-in: exception support
+/// (NSExceptionZKT and the NSException class methods that make it) and the registry of wrappers.
+enum class Siblings { none, exceptions, registry, all };
+
+struct HostOptions {
+    /// What REALGetRBVersion answers; nullopt: the service is missing.
+    std::optional<double> version = 2013.04;
+    Siblings siblings = Siblings::all;
+    /// Off: calls are not recorded (benchmarks). Violations always are.
+    bool tracing = true;
+    /// Freed objects and strings are kept, poisoned, so that every later use is noticed. Past
+    /// this number the oldest are really freed.
+    std::size_t quarantineLimit = std::numeric_limits<std::size_t>::max();
+    /// Larger memory blocks are refused: "newMemoryBlock" answers nil, the constructor raises
+    /// OutOfMemoryException.
+    std::uint64_t memoryBlockLimit = std::uint64_t{1} << 40;
+};
+
+/// A class that the host knows without a record: stands for one that another plug-in registers.
+struct ClassSpec {
+    std::string name;
+    std::size_t dataSize = 16;
+    std::size_t dataOffset = objectHeaderSize; ///< >= 48
+    std::vector<std::byte> initialData = {};   ///< copied to the start of each instance's data
+    std::string superclass = {};
+};
+
+/// Totals for the closing line.
+struct Account {
+    std::size_t calls = 0;       ///< host services and host methods that plug-ins called
+    std::size_t liveObjects = 0; ///< at this moment
+    std::size_t liveStrings = 0;
+    std::size_t leaks = 0; ///< objects and strings that nobody can release any more
+    std::size_t violations = 0;
+};
+
+/// "7 calls, 0 objects and 0 strings live, no leaks, no violations"
+std::string describe(const Account &account);
+
+class Host {
+public:
+    /// Throws UsageError when another host lives.
+    explicit Host(HostOptions options = {});
+    /// Shuts down. Violations that nobody has looked at go to the handler of onUnexamined.
+    ~Host();
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+
+    /// The one host; throws UsageError when there is none.
+    static Host &current();
+    static bool exists();
+    /// Called by a dying host with each violation that violations() never returned. The default
+    /// writes them to stderr. host/GoogleTest.h makes them test failures.
+    static void onUnexamined(std::function<void(const std::string &)> handler);
+
+    // Plug-ins
+
+    /// Opens the image and calls its entry point with the host's resolver. Throws ImageError.
+    /// The image stays for the life of the process, since Foundation keeps what it saw of it.
+    Image &loadPlugin(const std::filesystem::path &file, const ImageOptions &options = {});
+    /// For tests that call an entry point themselves (with a resolver of their own that may pass
+    /// requests on to this one).
+    static Resolver resolver();
+
+    // Programs: what code of the host's language does. Members are found by name, without regard
+    // to case. Each call runs in an autorelease pool of its own. Throws UsageError for a class,
+    // member or argument that does not exist or fit; what the plug-in throws passes through
+    // unchanged.
+
+    /// "new": class constructor, then the "Constructor" method if the class has one that takes
+    /// the arguments. The value is the object; nil when the constructor raised.
+    Outcome newObject(std::string_view className, const Values &arguments = {});
+    /// What PluginNewInstance does: class constructor only. Nil when the class is unknown.
+    ObjectRef newInstance(std::string_view className);
+    Outcome get(ObjectHandle object, std::string_view property);
+    Outcome set(ObjectHandle object, std::string_view property, const Value &value);
+    Outcome call(ObjectHandle object, std::string_view method, const Values &arguments = {});
+    Outcome callShared(std::string_view className, std::string_view method,
+                       const Values &arguments = {});
+    std::int64_t constant(std::string_view className, std::string_view name) const;
+    /// Drops a reference and shows what the destructors raised, if they ran.
+    Outcome release(ObjectRef object);
+    StringRef makeString(std::string_view bytes, std::uint32_t encoding = encoding::utf8);
+
+    // Switches
+
+    Services &services();
+    /// PluginNewInstance answers nil for the class until showClass. Any name will do.
+    void hideClass(std::string_view name);
+    void showClass(std::string_view name);
+    void addClass(const ClassSpec &spec);
+    /// REALLoadObjectMethod and REALLoadGlobalMethod do not find a host method with this
+    /// declaration (compared as they compare: case, blanks and parameter names do not matter).
+    void hideMethod(std::string_view declaration);
+    void showMethod(std::string_view declaration);
+    void setMemoryBlockLimit(std::uint64_t bytes);
+    /// Changes what REALGetRBVersion answers; nullopt hides the service.
+    void setVersion(std::optional<double> version);
+
+    // What the host saw. Line formats: host/Trace.h.
+
+    std::vector<std::string> trace() const;   ///< everything, in order
+    std::vector<std::string> calls() const;   ///< services and host methods called
+    std::vector<std::string> lookups() const; ///< requests to the resolver
+    void clearTrace();
+    void setTracing(bool on);
+
+    /// In order; empty when the plug-in behaved. Leaks appear after shutDown().
+    const std::vector<std::string> &violations() const;
+    Account account() const;
+    /// Releases what the host itself owns and files everything that is still live, and not held
+    /// by an ObjectRef or StringRef, as a leak with its history. A second call does nothing.
+    void shutDown();
+
+    // Raw access. Handles need not be valid: a bad one gives nil, 0 or "" and is a UsageError
+    // only where stated.
+
+    /// The exception raised and not yet seen by a call (raw function calls leave it here). Takes
+    /// it off the host.
+    std::optional<RaisedException> takePendingException();
+    bool hasPendingException() const;
+    /// Exceptions raised while no program call was running, or replaced by a later one.
+    const std::vector<RaisedException> &strayExceptions() const;
+
+    /// In order of registration; the pointers that the plug-in passed.
+    std::vector<const PluginClassRecord *> registeredRecords() const;
+    /// Function pointers of a registered class's rows. Throw UsageError when there is no such row
+    /// or it has no function.
+    void *getterOf(std::string_view className, std::string_view property) const;
+    void *setterOf(std::string_view className, std::string_view property) const;
+    void *methodOf(std::string_view className, std::string_view method) const;
+    void *sharedMethodOf(std::string_view className, std::string_view method) const;
+
+    std::string className(ObjectHandle object) const; ///< "" when not a live object
+    std::string name(ObjectHandle object) const;      ///< NSProcessInfoZKT#1
+    std::string name(StringHandle string) const;      ///< String#1
+    std::string history(ObjectHandle object) const;
+    /// Start of the instance data of the object's own class; null when not a live object.
+    void *dataOf(ObjectHandle object) const;
+    /// Including the reference of an ObjectRef that the caller holds; 0 when not live.
+    std::int64_t references(ObjectHandle object) const;
+    std::int64_t references(StringHandle string) const;
+    bool isLive(ObjectHandle object) const;
+    bool isLive(StringHandle string) const;
+    std::string bytes(StringHandle string) const;
+    std::uint32_t encodingOf(StringHandle string) const; ///< encoding::unknown for nil
+    std::string text(StringHandle string) const;         ///< in UTF-8
+    std::vector<std::string> liveObjects() const;        ///< NSProcessInfoZKT#1, ...
+    std::vector<std::string> liveStrings() const;
+
+    // For the parts of the host.
+
+    Heap &heap();
+    const Heap &heap() const;
+    ClassTable &classes();
+    const ClassTable &classes() const;
+    Trace &tracer();
+    const HostOptions &options() const;
+    void countCall();
+
+    /// The exception becomes pending, with a reference of the host's own; one that was pending
+    /// before becomes a stray.
+    void raise(ObjectHandle exception);
+    /// Takes the pending exception off the host; nil when there is none.
+    ObjectRef takePending();
+    /// Keeps the exception that is pending now out of the way until the scope ends.
+    class ExceptionScope {
+    public:
+        explicit ExceptionScope(Host &host) : host_(host), before_(host.takePending()) {}
+        ~ExceptionScope();
+        ExceptionScope(const ExceptionScope &) = delete;
+        ExceptionScope &operator=(const ExceptionScope &) = delete;
+
+    private:
+        Host &host_;
+        ObjectRef before_;
+    };
+
+    /// What a look-up asks for: nothing when the text does not parse (a violation) or the method
+    /// is hidden.
+    std::optional<MethodDeclaration> parseLookup(const char *declaration);
+    const Method *globalMethod(const MethodDeclaration &signature) const;
+    void setInterfaceVersion(std::int32_t version);
+    std::int32_t interfaceVersion() const; ///< 0 before RegisterPluginVersion
+
+private:
+    template <typename Body>
+    Outcome perform(Body body);
+    void makePendingStray();
+
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace host

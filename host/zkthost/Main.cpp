@@ -1,0 +1,102 @@
+// zkthost: loads a plug-in into the reference host and shows what it gives to programs.
+//
+// Exit status: 0 fine; 1 the plug-in misbehaved (violations, leaks, a foreign exception);
+// 2 the input cannot be worked with (one line on stderr).
+
+#include "host/Cocoa.h"
+#include "host/Description.h"
+#include "host/Host.h"
+#include "host/zkthost/ForeignExceptions.h"
+#include "host/zkthost/Options.h"
+#include "host/zkthost/Report.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+enum Status { fine = 0, misbehaved = 1, badInput = 2 };
+
+void print(std::FILE *stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+bool wantsColours() {
+    const char *terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr &&
+           terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+/// Tells what went wrong in the life of the host, which has been shut down.
+Status verdict(host::Host &host) {
+    const auto &violations = host.violations();
+    std::fflush(stdout);
+    for (const std::string &violation : violations)
+        print(stderr, "violation: " + violation + '\n');
+    return violations.empty() ? fine : misbehaved;
+}
+
+host::Image &load(host::Host &host, const zkthost::Options &options) {
+    for (const std::string &service : options.withoutServices)
+        host.services().hide(service);
+    try {
+        return host.loadPlugin(options.image);
+    } catch (const host::ImageError &error) {
+        const char *hint = options.imageIsDefault
+                               ? " (build it with ./dev build, or name another with --image)"
+                               : "";
+        throw zkthost::InputError(error.what() + std::string(hint));
+    }
+}
+
+Status run(const zkthost::Options &options) {
+    host::Host host(options.host);
+    host::Image &image = load(host, options);
+    if (options.command == zkthost::Command::describe) {
+        print(stdout, describeClasses(host, options.format));
+        host.shutDown();
+        return verdict(host);
+    }
+    const zkthost::Report report = zkthost::makeReport(host, image);
+    host.shutDown();
+    const host::Account account = host.account();
+    if (options.format == host::DescriptionFormat::json)
+        print(stdout, reportAsJson(report, account));
+    else
+        print(stdout, reportAsText(report, wantsColours()) + '\n' + describe(account) + '\n');
+    return verdict(host);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    host::startFoundation(argc, argv, environ);
+    // verdict() prints them; a host that dies early has its cause printed instead.
+    host::Host::onUnexamined([](const std::string &) {});
+    Status status = fine;
+    try {
+        const zkthost::CommandLine commandLine = zkthost::parseCommandLine(argc, argv);
+        if (commandLine.text) {
+            print(stdout, *commandLine.text);
+            return fine;
+        }
+        const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(commandLine.options); });
+        if (!cocoa)
+            return status;
+        print(stderr, "zkthost: the plug-in let an NSException through: " + *cocoa + '\n');
+    } catch (const zkthost::InputError &error) {
+        print(stderr, "zkthost: " + std::string(error.what()) + '\n');
+        return badInput;
+    } catch (const host::UsageError &error) {
+        print(stderr, "zkthost: " + std::string(error.what()) + '\n');
+        return badInput;
+    } catch (const std::exception &error) {
+        print(stderr, "zkthost: the plug-in let a C++ exception through: " +
+                          std::string(error.what()) + '\n');
+    }
+    return misbehaved;
+}

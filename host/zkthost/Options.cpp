@@ -1,0 +1,108 @@
+#include "host/zkthost/Options.h"
+
+#include "host/Services.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <map>
+
+namespace zkthost {
+
+namespace {
+
+/// The bundle beside the folder that this program was built in.
+std::filesystem::path defaultImage() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / "../macos/NSProcessInfoZKT.bundle").lexically_normal();
+}
+
+/// Services whose absence no plug-in survives.
+void checkService(const std::string &name) {
+    if (!host::Services::has(name))
+        throw InputError("--without " + name + ": there is no such host service; the nearest is " +
+                         host::Services::nearest(name));
+    if (name == "RegisterPluginVersion")
+        throw InputError("--without " + name +
+                         ": every host has this service, and plug-ins call it unseen");
+}
+
+std::string namesOfServices() {
+    std::string text = "Host services for --without:";
+    for (const std::string_view name : host::Services::names())
+        text += "\n  " + std::string(name);
+    return text;
+}
+
+} // namespace
+
+CommandLine parseCommandLine(int argc, const char *const *argv) {
+    CommandLine result;
+    Options &options = result.options;
+    CLI::App app("A host for plug-ins of the ZKT family: loads one and shows what programs see.",
+                 "zkthost");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer(namesOfServices());
+
+    std::string image;
+    app.add_option("--image", image,
+                   "The plug-in: a Mach-O bundle or a shared object (default: the bundle of this "
+                   "build)")
+        ->type_name("FILE");
+    double version = *options.host.version;
+    app.add_option("--host-version", version, "The version that the host reports")
+        ->type_name("V")
+        ->capture_default_str();
+    app.add_option("--without", options.withoutServices,
+                   "A host service that shall be missing; may be given several times")
+        ->type_name("SERVICE")
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    const std::map<std::string, host::Siblings> siblings{{"exceptions", host::Siblings::exceptions},
+                                                         {"registry", host::Siblings::registry},
+                                                         {"none", host::Siblings::none}};
+    app.add_option("--sibling", options.host.siblings,
+                   "The sibling parts that are present: exceptions, registry or none (default: "
+                   "exceptions and registry)")
+        ->type_name("PART")
+        ->transform(CLI::Transformer(siblings));
+
+    using host::DescriptionFormat;
+    const std::map<std::string, DescriptionFormat> describeFormats{
+        {"text", DescriptionFormat::text},
+        {"json", DescriptionFormat::json},
+        {"markdown", DescriptionFormat::markdown}};
+    const std::map<std::string, DescriptionFormat> reportFormats{{"text", DescriptionFormat::text},
+                                                                 {"json", DescriptionFormat::json}};
+    std::string format = "text";
+    CLI::App *describe =
+        app.add_subcommand("describe", "The plug-in's classes exactly as it registers them");
+    describe->add_option("--format", format, "text, json or markdown");
+    CLI::App *report = app.add_subcommand("report", "Every property of this process");
+    report->add_option("--format", format, "text or json");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp &) {
+        result.text = app.help();
+        return result;
+    } catch (const CLI::ParseError &error) {
+        throw InputError(std::string(error.what()) + " (zkthost --help lists what there is)");
+    }
+    options.command = describe->parsed() ? Command::describe : Command::report;
+    const auto &formats = describe->parsed() ? describeFormats : reportFormats;
+    const auto chosen = formats.find(format);
+    if (chosen == formats.end())
+        throw InputError("--format " + format + ": it is text" +
+                         (describe->parsed() ? ", json or markdown" : " or json"));
+    options.format = chosen->second;
+    options.host.version = version;
+    options.imageIsDefault = image.empty() && app.count("--image") == 0;
+    options.image = options.imageIsDefault ? defaultImage() : std::filesystem::path(image);
+    std::ranges::for_each(options.withoutServices, checkService);
+    return result;
+}
+
+} // namespace zkthost

@@ -1,0 +1,40 @@
+#pragma once
+
+// The command line of zkthost.
+
+#include "host/Description.h"
+#include "host/Host.h"
+
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zkthost {
+
+enum class Command { describe, report };
+
+struct Options {
+    Command command = Command::report;
+    host::DescriptionFormat format = host::DescriptionFormat::text;
+    std::filesystem::path image; ///< never empty
+    bool imageIsDefault = true;
+    host::HostOptions host = {};
+    std::vector<std::string> withoutServices = {};
+};
+
+/// Input that cannot be worked with: one line for the user.
+class InputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What to print instead of running (help), or the options. Throws InputError.
+struct CommandLine {
+    std::optional<std::string> text;
+    Options options;
+};
+CommandLine parseCommandLine(int argc, const char *const *argv);
+
+} // namespace zkthost

@@ -1,0 +1,211 @@
+#include "host/zkthost/Report.h"
+
+#include "host/ClassTable.h"
+#include "host/Inspect.h"
+#include "host/Names.h"
+
+#include <llvm/Support/JSON.h>
+#include <llvm/Support/raw_ostream.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zkthost {
+
+namespace {
+
+using namespace host;
+
+constexpr std::string_view className = "NSProcessInfoZKT";
+constexpr std::string_view sharedObject = "processInfo";
+
+std::string typeOf(const Method &method) {
+    return method.parsed.result ? describe(*method.parsed.result) : "";
+}
+
+std::string faultOf(const RaisedException &exception) {
+    std::string text = "raised " + exception.className;
+    if (!exception.cocoaName.empty())
+        text += " (" + exception.cocoaName + ')';
+    return exception.message ? text + ": " + *exception.message : text;
+}
+
+std::string textOf(const Value &value);
+
+std::string textOf(ObjectHandle object) {
+    const std::string type = Host::current().className(object);
+    if (type == "Dictionary")
+        return "Dictionary, " + std::to_string(dictionaryEntries(object).size()) + " entries";
+    if (type == "Array") {
+        std::string text;
+        for (const Value &element : arrayElements(object))
+            text += (text.empty() ? "" : ", ") + textOf(element);
+        return '(' + text + ')';
+    }
+    if (type == "Variant")
+        return textOf(unboxed(object));
+    return Host::current().name(object);
+}
+
+std::string textOf(const Value &value) {
+    if (const auto *object = std::get_if<ObjectRef>(&value))
+        return textOf(object->handle());
+    if (const auto *string = std::get_if<StringRef>(&value))
+        return Host::current().text(string->handle());
+    return describe(value);
+}
+
+/// Control characters would leave the line.
+std::string printable(std::string text) {
+    std::ranges::replace_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    return text;
+}
+
+llvm::json::Value jsonOf(const Value &value);
+
+llvm::json::Value jsonOf(ObjectHandle object) {
+    const std::string type = Host::current().className(object);
+    if (type == "Variant")
+        return jsonOf(unboxed(object));
+    if (type == "Array") {
+        llvm::json::Array array;
+        for (const Value &element : arrayElements(object))
+            array.push_back(jsonOf(element));
+        return array;
+    }
+    if (type == "Dictionary") {
+        llvm::json::Object entries;
+        for (const auto &[key, entry] : dictionaryEntries(object))
+            entries[llvm::json::fixUTF8(textOf(key))] = jsonOf(entry);
+        return entries;
+    }
+    return Host::current().name(object);
+}
+
+llvm::json::Value jsonOf(const Value &value) {
+    struct Convert {
+        llvm::json::Value operator()(std::monostate) const { return nullptr; }
+        llvm::json::Value operator()(std::int64_t number) const { return number; }
+        llvm::json::Value operator()(std::uint64_t number) const { return number; }
+        llvm::json::Value operator()(bool truth) const { return truth; }
+        llvm::json::Value operator()(double number) const {
+            return std::isfinite(number) ? llvm::json::Value(number) : llvm::json::Value(nullptr);
+        }
+        llvm::json::Value operator()(const StringRef &string) const {
+            return llvm::json::fixUTF8(Host::current().text(string.handle()));
+        }
+        llvm::json::Value operator()(const ObjectRef &object) const {
+            return jsonOf(object.handle());
+        }
+    };
+    return std::visit(Convert{}, static_cast<const ValueAlternatives &>(value));
+}
+
+ReportRow rowOf(std::string name, std::string type, const Outcome &outcome) {
+    ReportRow row{.name = std::move(name), .type = std::move(type), .text = {}};
+    if (outcome.raised()) {
+        row.exception = faultOf(*outcome.exception);
+        row.text = *row.exception;
+    } else {
+        row.text = textOf(outcome.value);
+        row.value = jsonOf(outcome.value);
+    }
+    return row;
+}
+
+void writeRows(llvm::json::OStream &json, const char *title, const std::vector<ReportRow> &rows) {
+    json.attributeArray(title, [&] {
+        for (const ReportRow &row : rows)
+            json.object([&] {
+                json.attribute("name", row.name);
+                json.attribute("type", row.type);
+                json.attribute("value", row.value);
+                if (row.exception)
+                    json.attribute("exception", llvm::json::fixUTF8(*row.exception));
+            });
+    });
+}
+
+} // namespace
+
+Report makeReport(Host &host, const Image &image) {
+    const HostClass *type = host.classes().find(className);
+    if (type == nullptr || type->record == nullptr)
+        throw UsageError(image.file().string() + ": registered no class " + std::string(className));
+    const Outcome shared = host.callShared(className, sharedObject);
+    Report report{.image = image.file().string(),
+                  .format = image.format() == ImageFormat::machO ? "Mach-O" : "ELF",
+                  .hostVersion = host.options().version,
+                  .interfaceVersion = host.interfaceVersion(),
+                  .processInfo = rowOf("", "", shared).text};
+    if (!shared.raised() && !shared.isNil())
+        for (const Property &property : type->properties)
+            report.properties.push_back(rowOf(property.name, describe(property.type),
+                                              host.get(shared.object(), property.name)));
+    for (const Method &method : type->sharedMethods)
+        if (!sameName(method.parsed.name, sharedObject))
+            report.shared.push_back(rowOf(method.parsed.name, typeOf(method),
+                                          host.callShared(className, method.parsed.name)));
+    for (const Constant &constant : type->constants)
+        report.constants.push_back(
+            rowOf(constant.name, "Integer", Outcome{.value = constant.value, .exception = {}}));
+    return report;
+}
+
+std::string reportAsText(const Report &report, bool colours) {
+    const std::string strong = colours ? "\033[1m" : "";
+    const std::string faint = colours ? "\033[2m" : "";
+    const std::string plain = colours ? "\033[0m" : "";
+    std::size_t nameWidth = 0;
+    std::size_t typeWidth = 0;
+    for (const auto *rows : {&report.properties, &report.shared, &report.constants})
+        for (const ReportRow &row : *rows) {
+            nameWidth = std::max(nameWidth, row.name.size());
+            typeWidth = std::max(typeWidth, row.type.size());
+        }
+    std::string text = strong + std::string(className) + plain + '\n' + faint + "  " +
+                       report.image + " (" + report.format + "), interface version " +
+                       std::to_string(report.interfaceVersion) + plain + "\n\n";
+    text += "  " + std::string(sharedObject) + " gives " + printable(report.processInfo) + "\n";
+    const auto addRows = [&](std::string_view title, const std::vector<ReportRow> &rows) {
+        if (rows.empty())
+            return;
+        text += "\n" + strong + std::string(title) + plain + "\n";
+        for (const ReportRow &row : rows)
+            text += "  " + row.name + std::string(nameWidth + 2 - row.name.size(), ' ') + faint +
+                    row.type + plain + std::string(typeWidth + 2 - row.type.size(), ' ') +
+                    printable(row.text) + "\n";
+    };
+    addRows("Properties", report.properties);
+    addRows("Shared methods", report.shared);
+    addRows("Constants", report.constants);
+    return text;
+}
+
+std::string reportAsJson(const Report &report, const Account &account) {
+    std::string text;
+    llvm::raw_string_ostream stream(text);
+    llvm::json::OStream json(stream, 2);
+    json.object([&] {
+        json.attribute("class", std::string(className));
+        json.attribute("image", llvm::json::fixUTF8(report.image));
+        json.attribute("imageFormat", report.format);
+        json.attribute("hostVersion", report.hostVersion ? jsonOf(Value(*report.hostVersion))
+                                                         : llvm::json::Value(nullptr));
+        json.attribute("interfaceVersion", report.interfaceVersion);
+        json.attribute(sharedObject, llvm::json::fixUTF8(report.processInfo));
+        writeRows(json, "properties", report.properties);
+        writeRows(json, "sharedMethods", report.shared);
+        writeRows(json, "constants", report.constants);
+        json.attributeObject("account", [&] {
+            json.attribute("calls", account.calls);
+            json.attribute("liveObjects", account.liveObjects);
+            json.attribute("liveStrings", account.liveStrings);
+            json.attribute("leaks", account.leaks);
+            json.attribute("violations", account.violations);
+        });
+    });
+    return text + '\n';
+}
+
+} // namespace zkthost
