@@ -1,0 +1,52 @@
+#include "RatioReporter.h"
+
+#include <algorithm>
+#include <cstdio>
+
+bool RatioReporter::ReportContext(const Context &) {
+    return true;
+}
+
+void RatioReporter::ReportRuns(const std::vector<Run> &runs) {
+    for (const Run &run : runs) {
+        if (run.run_type != Run::RT_Iteration || run.error_occurred)
+            continue;
+        std::vector<double> &times = times_[run.run_name.function_name];
+        if (times.empty())
+            order_.push_back(run.run_name.function_name);
+        times.push_back(run.GetAdjustedCPUTime());
+    }
+}
+
+double RatioReporter::median(const std::string &benchmark) const {
+    const auto found = times_.find(benchmark);
+    if (found == times_.end())
+        return 0;
+    std::vector<double> times = found->second;
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::nth_element(times.begin(), middle, times.end());
+    return *middle;
+}
+
+void RatioReporter::Finalize() {
+    std::sort(order_.begin(), order_.end());
+    std::puts("\nMedian CPU time, nanoseconds");
+    for (const std::string &name : order_)
+        std::printf("  %-58s %10.2f\n", name.c_str(), median(name));
+
+    std::puts("\nRatios");
+    for (const Ratio &ratio : ratios_) {
+        const double baseline = median(ratio.baseline);
+        const double time = median(ratio.benchmark);
+        if (baseline == 0 || time == 0)
+            continue;
+        const double factor = time / baseline;
+        std::printf("  %-58s %10.3f", ratio.what.c_str(), factor);
+        if (ratio.atMost > 0) {
+            const bool within = factor <= ratio.atMost;
+            allWithinLimits_ = allWithinLimits_ && within;
+            std::printf("   at most %.2f: %s", ratio.atMost, within ? "yes" : "NO");
+        }
+        std::putchar('\n');
+    }
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// A claim: one benchmark costs at most so many times what another one does in the same run.
+struct Ratio {
+    std::string what; // as a reader is told
+    std::string benchmark;
+    std::string baseline;
+    double atMost = 0; // 0: only shown
+};
+
+/// Prints the median of each benchmark's repetitions, and then the ratios of the medians.
+class RatioReporter : public benchmark::BenchmarkReporter {
+public:
+    explicit RatioReporter(std::vector<Ratio> ratios) : ratios_(std::move(ratios)) {}
+
+    bool ReportContext(const Context &context) override;
+    void ReportRuns(const std::vector<Run> &runs) override;
+    void Finalize() override;
+
+    /// False when a ratio was above its limit.
+    bool allWithinLimits() const { return allWithinLimits_; }
+
+private:
+    double median(const std::string &benchmark) const; // nanoseconds; 0 when it was not run
+
+    std::vector<Ratio> ratios_;
+    std::vector<std::string> order_;
+    std::map<std::string, std::vector<double>> times_;
+    bool allWithinLimits_ = true;
+};
