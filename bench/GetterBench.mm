@@ -4,6 +4,9 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <objc/message.h>
+
+#include <array>
 #include <cstring>
 #include <ffi.h>
 
@@ -18,90 +21,102 @@
 }
 @end
 
+extern "C" void machoMessageSend(); // the loader's objc_msgSend
+
 using benchmark::DoNotOptimize;
+using benchmark::RegisterBenchmark;
 using benchmark::State;
 
-static NSProcessInfo *info() {
-    NSProcessInfo *shared = [NSProcessInfo processInfo];
-    DoNotOptimize(shared);
-    return shared;
+namespace {
+
+using Getter = std::uint64_t(host::ObjectHandle, std::intptr_t);
+using Sender = std::uint64_t(const id *field, SEL first, SEL second);
+
+struct MachO {
+    static id send(id object, SEL selector) {
+        return reinterpret_cast<id (*)(id, SEL)>(machoMessageSend)(object, selector);
+    }
+};
+
+struct Elf {
+    static id send(id object, SEL selector) {
+        return reinterpret_cast<id (*)(id, SEL)>(objc_msg_lookup(object, selector))(object,
+                                                                                    selector);
+    }
+};
+
+template <class Image>
+std::uint64_t sendOnce(const id *field, SEL selector, SEL) {
+    return reinterpret_cast<std::uint64_t>(Image::send(*field, selector));
 }
 
-template <class Send>
-static void registerSend(const std::string &name, Send send) {
-    benchmark::RegisterBenchmark(name.c_str(), [send](State &state) {
-        NSProcessInfo *object = info();
+template <class Image>
+std::uint64_t sendTwice(const id *field, SEL first, SEL second) {
+    return reinterpret_cast<std::uint64_t>(Image::send(Image::send(*field, first), second));
+}
+
+struct Scalar {
+    const char *name;
+    const char *firstSelector;
+    const char *secondSelector; // sent to the answer of the first, if any
+};
+
+constexpr std::array scalars{
+    Scalar{"processIdentifier", "processIdentifier", nullptr},
+    Scalar{"processorCount", "processorCount", nullptr},
+    Scalar{"physicalMemory", "physicalMemory", nullptr},
+    Scalar{"operatingSystem", "operatingSystem", nullptr},
+    Scalar{"argumentsCount", "arguments", "count"},
+};
+
+Ratio registerScalar(host::Host &host, host::ImageFormat format, const Scalar &property) {
+    const std::string getterName = std::string(property.name) + ": getter";
+    const std::string sendsName = std::string(property.name) + ": sends alone";
+    const bool isMachO = format == host::ImageFormat::machO;
+    const host::ObjectRef instance = host.callShared("NSProcessInfoZKT", "processInfo").object();
+    auto *getter = reinterpret_cast<Getter *>(host.getterOf("NSProcessInfoZKT", property.name));
+    Sender *sender = property.secondSelector == nullptr
+                         ? (isMachO ? sendOnce<MachO> : sendOnce<Elf>)
+                         : (isMachO ? sendTwice<MachO> : sendTwice<Elf>);
+
+    RegisterBenchmark(getterName.c_str(), [=](State &state) {
         for (auto _ : state)
-            DoNotOptimize(send(object));
+            DoNotOptimize(getter(instance.handle(), 0));
     });
+    RegisterBenchmark(sendsName.c_str(), [=, &host](State &state) {
+        const id *field = static_cast<const id *>(host.dataOf(instance));
+        SEL first = sel_registerName(property.firstSelector);
+        SEL second = property.secondSelector != nullptr ? sel_registerName(property.secondSelector)
+                                                        : nullptr;
+        for (auto _ : state)
+            DoNotOptimize(sender(field, first, second));
+    });
+    return {.what = getterName + " / the sends that it needs",
+            .benchmark = getterName,
+            .baseline = sendsName,
+            .atMost = isMachO ? 0 : 1.05};
 }
 
-std::vector<Ratio> registerBaselines() {
-    registerSend("processIdentifier: message send",
-                 [](NSProcessInfo *o) { return [o processIdentifier]; });
-    registerSend("processorCount: message send",
-                 [](NSProcessInfo *o) { return [o processorCount]; });
-    registerSend("physicalMemory: message send",
-                 [](NSProcessInfo *o) { return [o physicalMemory]; });
-    registerSend("operatingSystem: message send",
-                 [](NSProcessInfo *o) { return [o operatingSystem]; });
-    registerSend("argumentsCount: two message sends",
-                 [](NSProcessInfo *o) { return [[o arguments] count]; });
-
-    benchmark::RegisterBenchmark("processIdentifier: libffi", [](State &state) {
-        NSProcessInfo *object = info();
-        SEL selector = @selector(processIdentifier);
-        ffi_type *types[] = {&ffi_type_pointer, &ffi_type_pointer};
-        ffi_cif cif;
-        ffi_prep_cif(&cif, FFI_DEFAULT_ABI, 2, &ffi_type_sint32, types);
-        void *arguments[] = {&object, &selector};
-        for (auto _ : state) {
-            ffi_arg result = 0;
-            ffi_call(&cif, FFI_FN([object methodForSelector:selector]), &result, arguments);
-            DoNotOptimize(result);
-        }
-    });
-    benchmark::RegisterBenchmark("processIdentifier: NSInvocation", [](State &state) {
-        NSProcessInfo *object = info();
-        SEL selector = @selector(processIdentifier);
-        NSInvocation *invocation = [NSInvocation
-            invocationWithMethodSignature:[object methodSignatureForSelector:selector]];
-        [invocation setTarget:object];
-        [invocation setSelector:selector];
-        for (auto _ : state) {
-            [invocation invoke];
-            int result = 0;
-            [invocation getReturnValue:&result];
-            DoNotOptimize(result);
-        }
-    });
-    return {
-        {.what = "libffi making the call",
-         .benchmark = "processIdentifier: libffi",
-         .baseline = "processIdentifier: message send"},
-        {.what = "NSInvocation making the call",
-         .benchmark = "processIdentifier: NSInvocation",
-         .baseline = "processIdentifier: message send"},
-    };
+template <class Function>
+Function *service(host::Host &host, const char *name) {
+    return reinterpret_cast<Function *>(host.services().entry(name));
 }
 
 // What a string getter cannot do without: the send, the length, the bytes, the host's own building.
-static void registerBareString(host::Host &host) {
-    using Build = host::StringHandle(const char *, std::int32_t);
-    using SetEncoding = void(host::StringHandle, std::uint32_t);
-    using Unlock = void(host::StringHandle);
-    auto *build = reinterpret_cast<Build *>(host.services().entry("REALBuildString"));
+void registerBareString(host::Host &host, host::ImageFormat format) {
+    auto *build = service<host::StringHandle(const char *, std::int32_t)>(host, "REALBuildString");
     auto *setEncoding =
-        reinterpret_cast<SetEncoding *>(host.services().entry("REALSetStringEncoding"));
-    auto *unlock = reinterpret_cast<Unlock *>(host.services().entry("REALUnlockString"));
-    benchmark::RegisterBenchmark("string of 40 characters: Foundation and host", [=](State &state) {
+        service<void(host::StringHandle, std::uint32_t)>(host, "REALSetStringEncoding");
+    auto *unlock = service<void(host::StringHandle)>(host, "REALUnlockString");
+    const auto send = format == host::ImageFormat::machO ? MachO::send : Elf::send;
+    RegisterBenchmark("string of 40 characters: sends and services alone", [=](State &state) {
         FixedName *object = [[FixedName alloc] init];
         for (auto _ : state) {
-            auto string = (CFStringRef)[object hostName];
+            auto string = (CFStringRef)send(object, @selector(hostName));
             char buffer[601];
             DoNotOptimize(CFStringGetLength(string));
             CFStringGetCString(string, buffer, 600, kCFStringEncodingUTF8);
-            auto built = build(buffer, static_cast<std::int32_t>(std::strlen(buffer)));
+            auto *built = build(buffer, static_cast<std::int32_t>(std::strlen(buffer)));
             setEncoding(built, kCFStringEncodingUTF8);
             unlock(built);
         }
@@ -109,17 +124,15 @@ static void registerBareString(host::Host &host) {
     });
 }
 
-// A getter of the image for a string of 40 characters, against the same without the plug-in.
-static Ratio registerString(host::Host &host) {
-    registerBareString(host);
-    using Getter = host::StringHandle(host::ObjectHandle, std::intptr_t);
-    using Unlock = void(host::StringHandle);
-    auto *getter = reinterpret_cast<Getter *>(host.getterOf("NSProcessInfoZKT", "hostName"));
-    auto *unlock = reinterpret_cast<Unlock *>(host.services().entry("REALUnlockString"));
-    benchmark::RegisterBenchmark("string of 40 characters: getter", [=, &host](State &state) {
+Ratio registerString(host::Host &host, host::ImageFormat format) {
+    registerBareString(host, format);
+    auto *getter = reinterpret_cast<host::StringHandle (*)(host::ObjectHandle, std::intptr_t)>(
+        host.getterOf("NSProcessInfoZKT", "hostName"));
+    auto *unlock = service<void(host::StringHandle)>(host, "REALUnlockString");
+    RegisterBenchmark("string of 40 characters: getter", [=, &host](State &state) {
         FixedName *object = [[FixedName alloc] init];
         const host::ObjectRef instance = host.newInstance("NSProcessInfoZKT");
-        host.set(instance, "Handle", reinterpret_cast<std::int64_t>(object));
+        host.set(instance, "Handle", reinterpret_cast<long long>(object));
         for (auto _ : state)
             unlock(getter(instance.handle(), 0));
         host.set(instance, "Handle", 0);
@@ -127,41 +140,66 @@ static Ratio registerString(host::Host &host) {
     });
     return {.what = "string getter / length, getCString and the host's building",
             .benchmark = "string of 40 characters: getter",
-            .baseline = "string of 40 characters: Foundation and host",
+            .baseline = "string of 40 characters: sends and services alone",
             .atMost = 1.1};
 }
 
-std::vector<Ratio> registerGetters(host::Host &host, const std::string &image) {
-    // The objects live as long as the benchmarks: until the program ends.
-    static std::vector<host::ObjectRef> kept;
-    const host::ObjectRef instance = host.callShared("NSProcessInfoZKT", "processInfo").object();
-    kept.push_back(instance);
-
-    struct Getter {
-        const char *property;
-        const char *baseline;
-    };
-    static constexpr Getter getters[] = {
-        {"processIdentifier", "processIdentifier: message send"},
-        {"processorCount", "processorCount: message send"},
-        {"physicalMemory", "physicalMemory: message send"},
-        {"operatingSystem", "operatingSystem: message send"},
-        {"argumentsCount", "argumentsCount: two message sends"},
-    };
-    std::vector<Ratio> ratios{registerString(host)};
-    for (const Getter &getter : getters) {
-        using Function = std::int64_t(host::ObjectHandle, std::intptr_t);
-        auto *function =
-            reinterpret_cast<Function *>(host.getterOf("NSProcessInfoZKT", getter.property));
-        const std::string name = std::string(getter.property) + ": getter";
-        benchmark::RegisterBenchmark(name.c_str(), [=](State &state) {
-            for (auto _ : state)
-                DoNotOptimize(function(instance.handle(), 0));
-        });
-        ratios.push_back({.what = name + " / message send",
-                          .benchmark = name,
-                          .baseline = getter.baseline,
-                          .atMost = 1.05});
+void sendByLibffi(State &state) {
+    NSProcessInfo *object = [NSProcessInfo processInfo];
+    SEL selector = @selector(processorCount);
+    ffi_type *types[] = {&ffi_type_pointer, &ffi_type_pointer};
+    ffi_cif cif;
+    ffi_prep_cif(&cif, FFI_DEFAULT_ABI, 2, &ffi_type_uint64, types);
+    void *arguments[] = {&object, &selector};
+    for (auto _ : state) {
+        ffi_arg result = 0;
+        ffi_call(&cif, FFI_FN(objc_msg_lookup(object, selector)), &result, arguments);
+        DoNotOptimize(result);
     }
+}
+
+void sendByInvocation(State &state) {
+    NSProcessInfo *object = [NSProcessInfo processInfo];
+    SEL selector = @selector(processorCount);
+    NSInvocation *invocation =
+        [NSInvocation invocationWithMethodSignature:[object methodSignatureForSelector:selector]];
+    [invocation setTarget:object];
+    [invocation setSelector:selector];
+    for (auto _ : state) {
+        [invocation invoke];
+        NSUInteger result = 0;
+        [invocation getReturnValue:&result];
+        DoNotOptimize(result);
+    }
+}
+
+} // namespace
+
+std::vector<Ratio> registerGetters(host::Host &host, host::ImageFormat format) {
+    std::vector<Ratio> ratios{registerString(host, format)};
+    for (const Scalar &property : scalars)
+        ratios.push_back(registerScalar(host, format, property));
     return ratios;
+}
+
+std::vector<Ratio> registerOtherWaysToSend() {
+    RegisterBenchmark("processorCount: compiled send", [](State &state) {
+        NSProcessInfo *object = [NSProcessInfo processInfo];
+        for (auto _ : state)
+            DoNotOptimize([object processorCount]);
+    });
+    RegisterBenchmark("processorCount: libffi", sendByLibffi);
+    RegisterBenchmark("processorCount: NSInvocation", sendByInvocation);
+    constexpr const char *compiled = "processorCount: compiled send";
+    return {
+        {.what = "getter / compiled send",
+         .benchmark = "processorCount: getter",
+         .baseline = compiled},
+        {.what = "libffi / compiled send",
+         .benchmark = "processorCount: libffi",
+         .baseline = compiled},
+        {.what = "NSInvocation / compiled send",
+         .benchmark = "processorCount: NSInvocation",
+         .baseline = compiled},
+    };
 }

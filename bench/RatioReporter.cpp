@@ -18,26 +18,21 @@ void RatioReporter::ReportRuns(const std::vector<Run> &runs) {
     }
 }
 
-double RatioReporter::median(const std::string &benchmark) const {
+double RatioReporter::best(const std::string &benchmark) const {
     const auto found = times_.find(benchmark);
-    if (found == times_.end())
-        return 0;
-    std::vector<double> times = found->second;
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+    return found == times_.end() ? 0 : std::ranges::min(found->second);
 }
 
 void RatioReporter::Finalize() {
     std::sort(order_.begin(), order_.end());
-    std::puts("\nMedian CPU time, nanoseconds");
+    std::puts("\nBest CPU time of the repetitions, nanoseconds");
     for (const std::string &name : order_)
-        std::printf("  %-58s %10.2f\n", name.c_str(), median(name));
+        std::printf("  %-58s %10.2f\n", name.c_str(), best(name));
 
     std::puts("\nRatios");
     for (const Ratio &ratio : ratios_) {
-        const double baseline = median(ratio.baseline);
-        const double time = median(ratio.benchmark);
+        const double baseline = best(ratio.baseline);
+        const double time = best(ratio.benchmark);
         if (baseline == 0 || time == 0)
             continue;
         const double factor = time / baseline;

@@ -14,7 +14,8 @@ struct Ratio {
     double atMost = 0; // 0: only shown
 };
 
-/// Prints the median of each benchmark's repetitions, and then the ratios of the medians.
+/// Prints the best time of each benchmark's repetitions, and then the ratios of these: what else
+/// the machine does can only make a repetition slower.
 class RatioReporter : public benchmark::BenchmarkReporter {
 public:
     explicit RatioReporter(std::vector<Ratio> ratios) : ratios_(std::move(ratios)) {}
@@ -27,7 +28,7 @@ public:
     bool allWithinLimits() const { return allWithinLimits_; }
 
 private:
-    double median(const std::string &benchmark) const; // nanoseconds; 0 when it was not run
+    double best(const std::string &benchmark) const; // nanoseconds; 0 when it was not run
 
     std::vector<Ratio> ratios_;
     std::vector<std::string> order_;
