@@ -1,4 +1,6 @@
+#include "ActivityBench.h"
 #include "AllocationSpy.h"
+#include "ArgumentsBench.h"
 #include "GetterBench.h"
 #include "HostCallBench.h"
 #include "RatioReporter.h"
@@ -36,13 +38,17 @@ static int run(const std::string &image, std::vector<char *> benchmarkOptions) {
 
     std::vector<Ratio> ratios = registerHostCalls();
     std::ranges::copy(registerGetters(host, loaded.format()), std::back_inserter(ratios));
+    std::ranges::copy(registerActivities(host, loaded.format()), std::back_inserter(ratios));
+    std::ranges::copy(registerArguments(host), std::back_inserter(ratios));
     std::ranges::copy(registerOtherWaysToSend(), std::back_inserter(ratios));
 
     int count = static_cast<int>(benchmarkOptions.size());
     benchmark::Initialize(&count, benchmarkOptions.data());
     RatioReporter reporter(std::move(ratios));
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nAllocations by the plug-in at start-up: %d\n", atStartUp);
+    std::printf("\nKept after 10 times 100,000 arguments were released: %td bytes\n",
+                keptAfterArguments(host));
+    std::printf("Allocations by the plug-in at start-up: %d\n", atStartUp);
     return reporter.allWithinLimits() && atStartUp == 0 ? 0 : 1;
 }
 

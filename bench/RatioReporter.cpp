@@ -31,7 +31,7 @@ void RatioReporter::Finalize() {
 
     std::puts("\nRatios");
     for (const Ratio &ratio : ratios_) {
-        const double baseline = best(ratio.baseline);
+        const double baseline = ratio.times * best(ratio.baseline);
         const double time = best(ratio.benchmark);
         if (baseline == 0 || time == 0)
             continue;

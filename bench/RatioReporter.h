@@ -12,6 +12,7 @@ struct Ratio {
     std::string benchmark;
     std::string baseline;
     double atMost = 0; // 0: only shown
+    double times = 1;  // how often the baseline is taken
 };
 
 /// Prints the best time of each benchmark's repetitions, and then the ratios of these: what else
