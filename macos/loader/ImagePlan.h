@@ -34,6 +34,11 @@ struct Section {
     Bytes content; // empty when the section is zero-filled
 };
 
+/// The name of a symbol as sources know it: C symbols carry a leading underscore in the file.
+constexpr std::string_view publicName(std::string_view symbol) {
+    return symbol.starts_with('_') ? symbol.substr(1) : symbol;
+}
+
 /// Where an import is looked for.
 enum class Scope : std::uint8_t {
     library,  // what the image was linked against

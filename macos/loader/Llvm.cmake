@@ -23,6 +23,9 @@ add_library(llvm_object INTERFACE)
 # Behind libstdc++'s own headers, which it must not hide.
 target_compile_options(llvm_object INTERFACE "SHELL:-idirafter ${LLVM_INCLUDE_DIRS}")
 target_link_libraries(llvm_object INTERFACE ${llvm_libraries})
-# Programs that export their symbols for images must not export, and so keep, all of LLVM.
+# A program exports its symbols for the images that it loads. LLVM's are not among them, so that
+# what is not used of it can be left out.
+file(GLOB llvm_archives RELATIVE ${LLVM_LIBRARY_DIRS} ${LLVM_LIBRARY_DIRS}/libLLVM*.a)
+list(JOIN llvm_archives ":" llvm_archives)
 target_link_options(llvm_object INTERFACE
-    LINKER:--as-needed LINKER:--gc-sections LINKER:--exclude-libs=ALL)
+    LINKER:--as-needed LINKER:--gc-sections LINKER:--exclude-libs=${llvm_archives})

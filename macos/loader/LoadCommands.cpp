@@ -1,7 +1,8 @@
 #include "macos/loader/LoadCommands.h"
 
+#include "macos/loader/MachHeader.h"
+
 #include "llvm/BinaryFormat/MachO.h"
-#include "llvm/Object/MachO.h"
 
 #include <algorithm>
 #include <string_view>
@@ -43,7 +44,7 @@ public:
     CommandReader(Bytes file, const Reporter &reporter) : file_(file), reporter_(reporter) {}
 
     LoadCommands read() {
-        const auto header = readHeader();
+        const auto header = readHeader(file_, reporter_);
         std::uint64_t offset = sizeof header;
         const std::uint64_t end = offset + header.sizeofcmds;
         for (std::uint32_t index = 0; index < header.ncmds; ++index) {
@@ -72,15 +73,15 @@ public:
     }
 
 private:
-    format::mach_header_64 readHeader() const;
     void readCommand();
     void readSegment();
     void readSection(const Segment &segment, std::uint64_t address, std::uint64_t offset);
     void readLibrary(bool weak);
     void readSymbolTable();
     void readDynamicSymbolTable() const;
-    void readDyldInfo() const;
-    void readLinkEditData() const;
+    void readDyldInfo();
+    void setExportTable(Bytes table);
+    Bytes readLinkEditData() const;
     void readPlatform() const;
     void layOut();
 
@@ -115,45 +116,6 @@ private:
     std::vector<std::uint64_t> addresses_; // of the segments, as linked
 };
 
-std::string firstBytes(Bytes file) {
-    std::string text;
-    for (const auto byte : file.first(std::min<std::size_t>(file.size(), 4)))
-        text += (text.empty() ? "" : " ") + hex(byte);
-    return text;
-}
-
-format::mach_header_64 CommandReader::readHeader() const {
-    if (file_.empty())
-        reporter_.fail("the file is empty");
-    const auto magic = readAt<std::uint32_t>(file_, 0).value_or(0);
-    if (magic == format::MH_MAGIC || magic == format::MH_CIGAM || magic == format::MH_CIGAM_64)
-        reporter_.fail("header", "a Mach-O file of 32 bits or of the other byte order; only "
-                                 "64-bit x86 images run here");
-    if (magic != format::MH_MAGIC_64)
-        reporter_.fail("not a Mach-O file: it starts with " + firstBytes(file_));
-    const auto header = readAt<format::mach_header_64>(file_, 0);
-    if (!header)
-        reporter_.fail("header", "the file ends at " + hex(file_.size()) + ", within the header");
-    const auto subtype = header->cpusubtype & ~format::CPU_SUBTYPE_MASK;
-    if (header->cputype != format::CPU_TYPE_X86_64 ||
-        (subtype != format::CPU_SUBTYPE_X86_64_ALL && subtype != format::CPU_SUBTYPE_X86_64_H))
-        reporter_.fail("header", "the image is for " +
-                                     architectureName(header->cputype, header->cpusubtype) +
-                                     "; only x86_64 images run here");
-    if (header->filetype != format::MH_BUNDLE && header->filetype != format::MH_DYLIB)
-        reporter_.fail("header", header->filetype == format::MH_EXECUTE
-                                     ? "a program, not a bundle or library"
-                                     : "file type " + std::to_string(header->filetype) +
-                                           " is neither a bundle nor a library");
-    if (header->flags & format::MH_HAS_TLV_DESCRIPTORS)
-        reporter_.fail("header", "thread-local variables are not supported");
-    if (!rangeFits(sizeof *header, header->sizeofcmds, file_.size()))
-        reporter_.fail("header", "the load commands take " +
-                                     byteRange(sizeof *header, header->sizeofcmds) +
-                                     " of the file, which ends at " + hex(file_.size()));
-    return *header;
-}
-
 void CommandReader::readCommand() {
     switch (command_.type) {
     case format::LC_SEGMENT_64:
@@ -173,7 +135,9 @@ void CommandReader::readCommand() {
     case format::LC_DYLD_INFO_ONLY:
         return readDyldInfo();
     case format::LC_DYLD_CHAINED_FIXUPS:
-    case format::LC_DYLD_EXPORTS_TRIE:
+        result_.hasChainedFixups = true;
+        readLinkEditData();
+        return;
     case format::LC_CODE_SIGNATURE:
     case format::LC_SEGMENT_SPLIT_INFO:
     case format::LC_FUNCTION_STARTS:
@@ -181,7 +145,10 @@ void CommandReader::readCommand() {
     case format::LC_DYLIB_CODE_SIGN_DRS:
     case format::LC_LINKER_OPTIMIZATION_HINT:
     case format::LC_ATOM_INFO:
-        return readLinkEditData();
+        readLinkEditData();
+        return;
+    case format::LC_DYLD_EXPORTS_TRIE:
+        return setExportTable(readLinkEditData());
     case format::LC_BUILD_VERSION:
         return readPlatform();
     case format::LC_ENCRYPTION_INFO_64:
@@ -311,18 +278,27 @@ void CommandReader::readDynamicSymbolTable() const {
             std::uint64_t{command.nindirectsyms} * sizeof(std::uint32_t));
 }
 
-void CommandReader::readDyldInfo() const {
+void CommandReader::readDyldInfo() {
     const auto command = record<format::dyld_info_command>();
-    content("the rebase table", command.rebase_off, command.rebase_size);
-    content("the bind table", command.bind_off, command.bind_size);
-    content("the weak bind table", command.weak_bind_off, command.weak_bind_size);
-    content("the lazy bind table", command.lazy_bind_off, command.lazy_bind_size);
-    content("the export table", command.export_off, command.export_size);
+    result_.rebaseTable = content("the rebase table", command.rebase_off, command.rebase_size);
+    result_.bindTable = content("the bind table", command.bind_off, command.bind_size);
+    result_.weakBindTable =
+        content("the weak bind table", command.weak_bind_off, command.weak_bind_size);
+    result_.lazyBindTable =
+        content("the lazy bind table", command.lazy_bind_off, command.lazy_bind_size);
+    setExportTable(content("the export table", command.export_off, command.export_size));
 }
 
-void CommandReader::readLinkEditData() const {
+void CommandReader::setExportTable(Bytes table) {
+    if (!result_.exportTable.empty() && !table.empty())
+        fail("a second export table");
+    if (!table.empty())
+        result_.exportTable = table;
+}
+
+Bytes CommandReader::readLinkEditData() const {
     const auto command = record<format::linkedit_data_command>();
-    content("its data", command.dataoff, command.datasize);
+    return content("its data", command.dataoff, command.datasize);
 }
 
 void CommandReader::readPlatform() const {
@@ -365,12 +341,6 @@ void CommandReader::layOut() {
 
 LoadCommands readLoadCommands(Bytes file, const Reporter &reporter) {
     return CommandReader(file, reporter).read();
-}
-
-std::string architectureName(std::uint32_t cpuType, std::uint32_t cpuSubtype) {
-    const auto name =
-        llvm::object::MachOObjectFile::getArchTriple(cpuType, cpuSubtype).getArchName().str();
-    return name.empty() || name == "unknown" ? "processor type " + hex(cpuType) : name;
 }
 
 } // namespace macho

@@ -22,6 +22,12 @@ struct LoadCommands {
     std::vector<Segment> segments;  // in the file's order, which fixup tables count in
     std::vector<Section> sections;  // in the file's order, which the symbol table counts in
     std::vector<Library> libraries; // import ordinal 1 is the first
+    Bytes rebaseTable;
+    Bytes bindTable;
+    Bytes lazyBindTable;
+    Bytes weakBindTable;
+    bool hasChainedFixups = false; // instead of the four
+    Bytes exportTable;
     Bytes symbolTable;
     Bytes stringTable;
 };
@@ -29,8 +35,5 @@ struct LoadCommands {
 /// Reads the header and load commands of a single-architecture file. Throws LoadError when the file
 /// is not an x86-64 bundle or library, is damaged, or asks for what this loader does not do.
 LoadCommands readLoadCommands(Bytes file, const Reporter &reporter);
-
-/// The name of a processor in the words of compilers: "arm64".
-std::string architectureName(std::uint32_t cpuType, std::uint32_t cpuSubtype);
 
 } // namespace macho

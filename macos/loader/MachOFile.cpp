@@ -1,8 +1,10 @@
 #include "macos/loader/MachOFile.h"
 
 #include "macos/loader/CompactUnwind.h"
-#include "macos/loader/FixupTables.h"
+#include "macos/loader/ExportTrie.h"
+#include "macos/loader/Fixups.h"
 #include "macos/loader/LoadCommands.h"
+#include "macos/loader/MachHeader.h"
 #include "macos/loader/Messages.h"
 
 #include "llvm/BinaryFormat/MachO.h"
@@ -95,13 +97,11 @@ void readSymbols(const LoadCommands &commands, const Reporter &reporter, ImagePl
         if (end == text.npos)
             reporter.fail(where, "its name at " + hex(symbol.n_strx) +
                                      " of the string table does not end within it");
-        auto name = text.substr(symbol.n_strx, end - symbol.n_strx);
+        const auto name = publicName(text.substr(symbol.n_strx, end - symbol.n_strx));
         const auto offset = symbol.n_value - commands.baseAddress;
         if (offset > plan.size)
             reporter.fail(where, std::string(name) + " is at " + hex(symbol.n_value) +
                                      ", outside the image");
-        if (name.starts_with('_'))
-            name.remove_prefix(1);
         plan.symbols.push_back({std::string(name), offset});
     }
 }
@@ -155,7 +155,8 @@ ImagePlan planImage(Bytes file, const std::string &source) {
     plan.sections = commands.sections;
     rejectUnsupportedSections(plan, reporter);
     readSections(reporter, plan);
-    readFixupTables(file, commands, reporter, plan);
+    plan.exports = readExportTrie(commands.exportTable, plan.size, reporter);
+    readFixups(file, commands, reporter, plan);
     readSymbols(commands, reporter, plan);
     readUnwindTable(commands, reporter, plan);
     return plan;

@@ -5,8 +5,11 @@
 
     .text
 
-/* Looks the method of \receiver up by \selector and continues in it; nil answers zero. */
-.macro MESSAGE_SEND name, receiver, selector, nilAnswer:vararg
+/* Looks the method of \receiver up by \selector and continues in it. For nil the answer is zero: in
+   all registers for integers and vectors, and in \longDoubles registers of the floating-point unit.
+   An answer in memory (\inMemory) is returned as its address, which comes first; whoever sends to
+   what may be nil clears it before. */
+.macro MESSAGE_SEND name, receiver, selector, inMemory=0, longDoubles=0
     .globl  \name
     .hidden \name
     .type   \name, @function
@@ -64,20 +67,25 @@
     .cfi_restore %rbp
     jmp     *%r11
 1:
-    \nilAnswer
+    .if \inMemory
+    movq    %rdi, %rax
+    .else
+    xorl    %eax, %eax
+    .endif
+    xorl    %edx, %edx
     xorps   %xmm0, %xmm0
     xorps   %xmm1, %xmm1
+    .rept \longDoubles
+    fldz
+    .endr
     ret
     .cfi_endproc
     .size   \name, . - \name
 .endm
 
-MESSAGE_SEND machoMessageSend, %rdi, %rsi, xorl %eax, %eax; xorl %edx, %edx
-/* The answer is a structure in memory: its address comes first and is returned. The caller clears
-   the structure when it sends to what may be nil. */
-MESSAGE_SEND machoMessageSendStructure, %rsi, %rdx, movq %rdi, %rax
-/* The answer is a long double, or two of them. */
-MESSAGE_SEND machoMessageSendLongDouble, %rdi, %rsi, xorl %eax, %eax; fldz
-MESSAGE_SEND machoMessageSendTwoLongDoubles, %rdi, %rsi, xorl %eax, %eax; fldz; fldz
+MESSAGE_SEND machoMessageSend, %rdi, %rsi
+MESSAGE_SEND machoMessageSendStructure, %rsi, %rdx, inMemory=1
+MESSAGE_SEND machoMessageSendLongDouble, %rdi, %rsi, longDoubles=1
+MESSAGE_SEND machoMessageSendTwoLongDoubles, %rdi, %rsi, longDoubles=2
 
     .section .note.GNU-stack, "", @progbits

@@ -28,7 +28,7 @@ namespace {
 // Null when the dictionary is one of Foundation's.
 StandInDictionary *identityDictionary(CFDictionaryRef dictionary, const char *function) {
     standin::requireObject(dictionary, function);
-    id object = (id)dictionary;
+    id const object = (id)dictionary;
     return [object isKindOfClass:[StandInDictionary class]] ? object : nil;
 }
 
@@ -40,19 +40,19 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex,
     if (keyCallBacks != nullptr || valueCallBacks != nullptr) {
         standin::misuse(__func__, "only dictionaries without call-backs are made here");
     }
-    id dictionary = [[StandInDictionary alloc] init];
+    id const dictionary = [[StandInDictionary alloc] init];
     return (CFMutableDictionaryRef)dictionary;
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
-    if (StandInDictionary *own = identityDictionary(dictionary, __func__)) {
+    if (StandInDictionary *const own = identityDictionary(dictionary, __func__)) {
         return static_cast<CFIndex>(own->entries.size());
     }
     return static_cast<CFIndex>([(NSDictionary *)dictionary count]);
 }
 
 const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key) {
-    if (StandInDictionary *own = identityDictionary(dictionary, __func__)) {
+    if (StandInDictionary *const own = identityDictionary(dictionary, __func__)) {
         const auto found = own->entries.find(key);
         return found == own->entries.end() ? nullptr : found->second;
     }
@@ -60,7 +60,7 @@ const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key) {
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void *key, const void *value) {
-    if (StandInDictionary *own = identityDictionary(dictionary, __func__)) {
+    if (StandInDictionary *const own = identityDictionary(dictionary, __func__)) {
         own->entries[key] = value;
     } else {
         [(NSMutableDictionary *)dictionary setObject:(id)value forKey:(id)key];
@@ -68,7 +68,7 @@ void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void *key, co
 }
 
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void *key) {
-    if (StandInDictionary *own = identityDictionary(dictionary, __func__)) {
+    if (StandInDictionary *const own = identityDictionary(dictionary, __func__)) {
         own->entries.erase(key);
     } else {
         [(NSMutableDictionary *)dictionary removeObjectForKey:(id)key];

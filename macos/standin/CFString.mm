@@ -1,6 +1,6 @@
 // Strings. Any NSString will do, also one that only answers length and characterAtIndex:.
 
-#import <Foundation/Foundation.h>
+#import "StandInString.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -11,14 +11,23 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
 static_assert(sizeof(unichar) == sizeof(UniChar) && sizeof(unichar) == sizeof(char16_t));
 
-CFStringRef newString(const void *units, std::size_t length) {
-    return (CFStringRef)[[NSString alloc] initWithCharacters:static_cast<const unichar *>(units)
-                                                      length:length];
+StandInString *newString(std::u16string units) {
+    StandInString *const string = [[StandInString alloc] init];
+    string->text = std::move(units);
+    return string;
+}
+
+std::u16string unitsOf(NSString *string) {
+    std::u16string units([string length], u'\0');
+    [string getCharacters:reinterpret_cast<unichar *>(units.data())
+                    range:NSMakeRange(0, units.size())];
+    return units;
 }
 
 // Some units of the string from `start` on. A pair is never cut in two.
@@ -54,9 +63,9 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8 *bytes, CFIndex 
     if (byteCount < 0 || (bytes == nullptr && byteCount > 0)) {
         standin::misuse(__func__, "there are no such bytes");
     }
-    const auto units = standin::decode({bytes, static_cast<std::size_t>(byteCount)}, encoding,
-                                       isExternalRepresentation != 0);
-    return units ? newString(units->data(), units->size()) : nullptr;
+    auto units = standin::decode({bytes, static_cast<std::size_t>(byteCount)}, encoding,
+                                 isExternalRepresentation != 0);
+    return units ? (CFStringRef)newString(std::move(*units)) : nullptr;
 }
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar *characters,
@@ -64,7 +73,8 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar *characte
     if (length < 0 || (characters == nullptr && length > 0)) {
         standin::misuse(__func__, "there are no such characters");
     }
-    return newString(characters, static_cast<std::size_t>(length));
+    const auto *units = reinterpret_cast<const char16_t *>(characters);
+    return (CFStringRef)newString({units, static_cast<std::size_t>(length)});
 }
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex maxLength,
@@ -73,7 +83,7 @@ CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex maxLength,
     if (maxLength != 0) {
         standin::misuse(__func__, "only strings without a limit are made here");
     }
-    return (CFMutableStringRef)[(NSString *)string mutableCopy];
+    return (CFMutableStringRef)newString(unitsOf((NSString *)string));
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
@@ -95,7 +105,7 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
         return false;
     }
     // Piece by piece, so that nothing is allocated.
-    NSString *text = (NSString *)string;
+    auto *const text = (NSString *)string;
     const NSUInteger length = [text length];
     const std::span<char> room(buffer, static_cast<std::size_t>(bufferSize) - 1);
     std::array<unichar, 128> units;
@@ -116,11 +126,7 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {
     standin::requireObject(string, __func__);
-    NSMutableString *text = (NSMutableString *)string;
-    std::u16string source([text length], u'\0');
-    [text getCharacters:reinterpret_cast<unichar *>(source.data())
-                  range:NSMakeRange(0, source.size())];
-
+    const std::u16string source = unitsOf((NSString *)string);
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2 *form2 = normalizer(form, status);
     const auto size = static_cast<std::int32_t>(source.size());
@@ -129,7 +135,7 @@ void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form
     std::u16string result(static_cast<std::size_t>(needed), u'\0');
     unorm2_normalize(form2, source.data(), size, result.data(), needed, &status);
 
-    NSString *replacement = (NSString *)newString(result.data(), result.size());
-    [text setString:replacement];
+    StandInString *const replacement = newString(std::move(result));
+    [(NSMutableString *)string setString:replacement];
     [replacement release];
 }

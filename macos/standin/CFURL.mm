@@ -19,7 +19,7 @@ struct Parts {
     std::size_t lastStart = 0;
     std::size_t lastEnd = 0; // before a trailing slash
 
-    std::string_view last() const {
+    [[nodiscard]] std::string_view last() const {
         return std::string_view(text).substr(lastStart, lastEnd - lastStart);
     }
 };
@@ -63,8 +63,8 @@ bool takeApart(NSURL *url, Parts &parts) {
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef *fsRef) {
     standin::requireObject(url, __func__);
-    NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
-    NSURL *file = (NSURL *)url;
+    NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
+    auto *const file = (NSURL *)url;
     const bool found =
         [file isFileURL] && [file path] != nil && standin::makeReference(utf8([file path]), *fsRef);
     [pool drain];
@@ -73,7 +73,7 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef *fsRef) {
 
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
     standin::requireObject(url, __func__);
-    NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+    NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
     NSURL *result = nil;
     if (Parts parts; takeApart((NSURL *)url, parts)) {
         const std::string_view last = parts.last();
@@ -92,10 +92,10 @@ CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) 
 
 CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
     standin::requireObject(url, __func__);
-    NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+    NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
     NSString *result = nil;
     if (Parts parts; takeApart((NSURL *)url, parts)) {
-        NSString *escaped = fromUtf8(parts.last());
+        NSString *const escaped = fromUtf8(parts.last());
         result =
             [[escaped stringByReplacingPercentEscapesUsingEncoding:NSUTF8StringEncoding] retain];
     }

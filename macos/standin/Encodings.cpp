@@ -24,19 +24,19 @@ struct TableEncoding {
     const char *name;
 };
 constexpr TableEncoding tableEncodings[] = {
-    {kCFStringEncodingMacRoman, "macintosh"},
-    {0x0202, "ISO-8859-2"},
-    {0x0205, "ISO-8859-5"},
-    {0x0207, "ISO-8859-7"},
-    {0x0209, "ISO-8859-9"},
-    {kCFStringEncodingWindowsLatin1, "windows-1252"},
-    {0x0501, "windows-1250"},
-    {0x0502, "windows-1251"},
-    {0x0632, "GB18030"},
-    {0x0920, "EUC-JP"},
-    {0x0A01, "Shift_JIS"},
-    {0x0A02, "KOI8-R"},
-    {0x0A03, "Big5"},
+    {.encoding = kCFStringEncodingMacRoman, .name = "macintosh"},
+    {.encoding = 0x0202, .name = "ISO-8859-2"},
+    {.encoding = 0x0205, .name = "ISO-8859-5"},
+    {.encoding = 0x0207, .name = "ISO-8859-7"},
+    {.encoding = 0x0209, .name = "ISO-8859-9"},
+    {.encoding = kCFStringEncodingWindowsLatin1, .name = "windows-1252"},
+    {.encoding = 0x0501, .name = "windows-1250"},
+    {.encoding = 0x0502, .name = "windows-1251"},
+    {.encoding = 0x0632, .name = "GB18030"},
+    {.encoding = 0x0920, .name = "EUC-JP"},
+    {.encoding = 0x0A01, .name = "Shift_JIS"},
+    {.encoding = 0x0A02, .name = "KOI8-R"},
+    {.encoding = 0x0A03, .name = "Big5"},
 };
 
 // A converter that stops at what it cannot convert; null for an encoding that is not in the table.
@@ -91,6 +91,7 @@ std::optional<std::u16string> decodeUtf8(std::span<const std::uint8_t> bytes) {
     for (std::int64_t at = 0; at < length;) {
         const std::int64_t start = at;
         UChar32 character = 0;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): how the macro is written
         U8_NEXT(bytes.data(), at, length, character);
         if (character < 0) {
             // Mac Roman's copyright sign, alone among stray bytes, is let through.
@@ -124,12 +125,15 @@ std::basic_string<Unit> inHostOrder(std::span<const std::uint8_t> bytes, CFStrin
         return std::bit_cast<Unit>(parts);
     };
     std::basic_string<Unit> units(bytes.size() / sizeof(Unit), Unit());
-    std::memcpy(units.data(), bytes.data(), units.size() * sizeof(Unit));
+    std::ranges::copy(bytes.first(units.size() * sizeof(Unit)),
+                      reinterpret_cast<std::uint8_t *>(units.data()));
     bool swap = isBigEndian(encoding);
     if (encoding == unmarked && external) {
-        const bool marked = !units.empty() && (units[0] == mark || units[0] == swapped(mark));
-        swap = units.empty() || units[0] != mark;
-        units.erase(0, marked ? 1 : 0);
+        const Unit first = units.empty() ? Unit() : units[0];
+        swap = first != mark;
+        if (first == mark || first == swapped(mark)) {
+            units.erase(0, 1);
+        }
     }
     if (swap) {
         std::ranges::transform(units, units.begin(), swapped);

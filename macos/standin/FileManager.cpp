@@ -19,18 +19,16 @@ enum : OSErr {
 };
 
 // The fields of FSCatalogInfo that this catalog can fill in.
-enum : FSCatalogInfoBitmap {
-    volumeField = 0x04,
-    parentField = 0x08,
-    nodeField = kFSCatInfoNodeID,
-    knownFields = volumeField | parentField | nodeField,
-};
+constexpr FSCatalogInfoBitmap volumeField = 0x04;
+constexpr FSCatalogInfoBitmap parentField = 0x08;
+constexpr FSCatalogInfoBitmap nodeField = kFSCatInfoNodeID;
+constexpr FSCatalogInfoBitmap knownFields = volumeField | parentField | nodeField;
 
-enum : UInt32 {
-    rootParentNode = 1, // what the catalog calls the parent of a volume's root folder
-    rootNode = 2,
-    firstUserNode = 16, // those below are the volume's own
-};
+// Node IDs with a meaning: the parent of a volume's root folder, the root folder, and the first
+// that is not the volume's own.
+constexpr UInt32 rootParentNode = 1;
+constexpr UInt32 rootNode = 2;
+constexpr UInt32 firstUserNode = 16;
 
 constexpr FSVolumeRefNum onlyVolume = -100;
 
@@ -54,7 +52,7 @@ UInt32 parentNodeOf(const File &file) {
     if (isVolumeRoot(file)) {
         return rootParentNode;
     }
-    File parent{parentPath(file.path), {}};
+    File parent{.path = parentPath(file.path), .status = {}};
     return lstat(parent.path.c_str(), &parent.status) == 0 ? nodeOf(parent) : 0;
 }
 
@@ -97,9 +95,9 @@ bool isBlank(const FSRef &ref) {
 } // namespace standin
 
 OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo,
-                       HFSUniStr255 *outName, FSSpecPtr spec, FSRef *parentRef) {
+                       HFSUniStr255 *outName, FSSpecPtr fileSpec, FSRef *parentRef) {
     using namespace standin;
-    if (ref == nullptr || spec != nullptr || (whichInfo & ~FSCatalogInfoBitmap{knownFields}) != 0) {
+    if (ref == nullptr || fileSpec != nullptr || (whichInfo & ~knownFields) != 0) {
         return badParameter;
     }
     const auto file = resolveReference(*ref);

@@ -26,7 +26,7 @@ constexpr std::uint64_t referenceMagic = 0x4653526566537464;
 class PathTable {
 public:
     std::uint64_t indexOf(const std::string &path) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         const auto [entry, isNew] = indices_.try_emplace(path, paths_.size());
         if (isNew) {
             paths_.push_back(path);
@@ -35,7 +35,7 @@ public:
     }
 
     std::optional<std::string> pathAt(std::uint64_t index) {
-        const std::lock_guard lock(mutex_);
+        const std::scoped_lock lock(mutex_);
         return index < paths_.size() ? std::optional(paths_[index]) : std::nullopt;
     }
 
@@ -76,7 +76,7 @@ std::optional<std::string> canonicalPath(std::string path) {
 }
 
 std::optional<File> fileAt(const std::string &path) {
-    File file{path, {}};
+    File file{.path = path, .status = {}};
     if (lstat(path.c_str(), &file.status) != 0) {
         return std::nullopt;
     }
@@ -94,8 +94,10 @@ bool makeReference(const std::string &path, FSRef &ref) {
     if (!file) {
         return false;
     }
-    const Contents contents{referenceMagic, file->status.st_dev, file->status.st_ino,
-                            pathTable().indexOf(file->path)};
+    const Contents contents{.magic = referenceMagic,
+                            .device = file->status.st_dev,
+                            .node = file->status.st_ino,
+                            .pathIndex = pathTable().indexOf(file->path)};
     ref = {};
     std::memcpy(&ref, &contents, sizeof contents);
     return true;

@@ -4,8 +4,6 @@
 
 #include <objc/runtime.h>
 
-#include <bit>
-
 namespace standin {
 
 /// Makes the class answer the message with the function, which takes the object, the selector and
@@ -13,8 +11,12 @@ namespace standin {
 template <typename Result, typename... Arguments>
 void replaceMethod(Class cls, const char *selector, Result (*function)(id, SEL, Arguments...),
                    const char *types) {
-    class_replaceMethod(cls, sel_registerTypedName(selector, types), std::bit_cast<IMP>(function),
-                        types);
+    // By way of the function type that converts to any other.
+    const auto imp = reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(function));
+    const SEL name = sel_registerTypedName(selector, types);
+    class_replaceMethod(cls, name, imp, types);
+    // The runtime leaves an existing method the type code of its old function.
+    method_getDescription(class_getInstanceMethod(cls, name))->types = const_cast<char *>(types);
 }
 
 } // namespace standin

@@ -67,7 +67,7 @@ void setAutomaticTerminationSupportEnabled(id, SEL, signed char enabled) {
 }
 
 id beginActivity(id, SEL, uint64_t options, NSString *reason) {
-    StandInActivity *activity = [[[StandInActivity alloc] init] autorelease];
+    StandInActivity *const activity = [[[StandInActivity alloc] init] autorelease];
     activity->options = options;
     activity->reason = [reason copy];
     state().activities.push_back(activity);
@@ -101,15 +101,16 @@ struct FeatureMethod {
     const char *selector;
 };
 constexpr FeatureMethod featureMethods[] = {
-    {Feature::suddenTermination, "disableSuddenTermination"},
-    {Feature::suddenTermination, "enableSuddenTermination"},
-    {Feature::automaticTermination, "disableAutomaticTermination:"},
-    {Feature::automaticTermination, "enableAutomaticTermination:"},
-    {Feature::automaticTermination, "automaticTerminationSupportEnabled"},
-    {Feature::automaticTermination, "setAutomaticTerminationSupportEnabled:"},
-    {Feature::beginActivity, "beginActivityWithOptions:reason:"},
-    {Feature::endActivity, "endActivity:"},
-    {Feature::thermalState, "thermalState"},
+    {.feature = Feature::suddenTermination, .selector = "disableSuddenTermination"},
+    {.feature = Feature::suddenTermination, .selector = "enableSuddenTermination"},
+    {.feature = Feature::automaticTermination, .selector = "disableAutomaticTermination:"},
+    {.feature = Feature::automaticTermination, .selector = "enableAutomaticTermination:"},
+    {.feature = Feature::automaticTermination, .selector = "automaticTerminationSupportEnabled"},
+    {.feature = Feature::automaticTermination,
+     .selector = "setAutomaticTerminationSupportEnabled:"},
+    {.feature = Feature::beginActivity, .selector = "beginActivityWithOptions:reason:"},
+    {.feature = Feature::endActivity, .selector = "endActivity:"},
+    {.feature = Feature::thermalState, .selector = "thermalState"},
 };
 
 void installMethods(Class info) {
@@ -155,9 +156,11 @@ void setThermalState(long thermalState) {
 
 std::vector<Activity> activities() {
     std::vector<Activity> result;
-    for (const StandInActivity *activity : state().activities) {
+    for (const StandInActivity *const activity : state().activities) {
         const char *reason = [activity->reason UTF8String];
-        result.push_back({activity, activity->options, reason == nullptr ? "" : reason});
+        result.push_back({.token = activity,
+                          .options = activity->options,
+                          .reason = reason == nullptr ? "" : reason});
     }
     return result;
 }

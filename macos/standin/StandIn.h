@@ -9,7 +9,7 @@
 namespace standin {
 
 /// What NSProcessInfo gained with later versions of macOS.
-enum class Feature {
+enum class Feature : std::uint8_t {
     suddenTermination,    // 10.6
     automaticTermination, // 10.7
     beginActivity,        // 10.9, and so is endActivity

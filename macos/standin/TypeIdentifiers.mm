@@ -7,9 +7,11 @@
 
 #include "Misuse.h"
 
+#include <cstdint>
+
 namespace {
 
-enum Type : CFTypeID {
+enum Type : std::uint8_t {
     rootType = 1, // an object of no Core Foundation type of its own
     arrayType,
     attributedStringType,
@@ -45,18 +47,18 @@ CFTypeID typeOfClassCluster(id object) {
         Class cluster;
         Type type;
     } bridged[] = {
-        {[NSString class], stringType},
-        {[NSNumber class], numberType},
-        {[NSDictionary class], dictionaryType},
-        {[NSArray class], arrayType},
-        {[NSData class], dataType},
-        {[NSURL class], urlType},
-        {[NSDate class], dateType},
-        {[NSSet class], setType},
-        {[NSCharacterSet class], characterSetType},
-        {[NSTimeZone class], timeZoneType},
-        {[NSAttributedString class], attributedStringType},
-        {[NSError class], errorType},
+        {.cluster = [NSString class], .type = stringType},
+        {.cluster = [NSNumber class], .type = numberType},
+        {.cluster = [NSDictionary class], .type = dictionaryType},
+        {.cluster = [NSArray class], .type = arrayType},
+        {.cluster = [NSData class], .type = dataType},
+        {.cluster = [NSURL class], .type = urlType},
+        {.cluster = [NSDate class], .type = dateType},
+        {.cluster = [NSSet class], .type = setType},
+        {.cluster = [NSCharacterSet class], .type = characterSetType},
+        {.cluster = [NSTimeZone class], .type = timeZoneType},
+        {.cluster = [NSAttributedString class], .type = attributedStringType},
+        {.cluster = [NSError class], .type = errorType},
     };
     for (const auto &row : bridged) {
         if ([object isKindOfClass:row.cluster]) {

@@ -32,7 +32,7 @@
 
 OBJC_VISIBLE
 __attribute__((objc_root_class))
-@interface NSObject <NSObject> {
+@interface NSObject<NSObject> {
     Class isa;
 }
 + (instancetype)new;

@@ -81,10 +81,11 @@ enum {
 };
 
 /// What the catalog knows of an existing item. `whichInfo` picks the fields of `catalogInfo` to
-/// fill in; every output may be null. `spec` must be null.
+/// fill in; every output may be null. `fileSpec` must be null.
 CF_EXPORT OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
-                                 FSCatalogInfo *catalogInfo, HFSUniStr255 *outName, FSSpecPtr spec,
-                                 FSRef *parentRef) CF_MACOS_DEPRECATED(10.0, 10.8);
+                                 FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                 FSSpecPtr fileSpec, FSRef *parentRef)
+    CF_MACOS_DEPRECATED(10.0, 10.8);
 
 /// Writes the item's POSIX path in UTF-8 with a terminating zero byte.
 CF_EXPORT OSStatus FSRefMakePath(const FSRef *ref, UInt8 *path, UInt32 pathBufferSize)

@@ -1,0 +1,206 @@
+// File references: CFURLGetFSRef, FSGetCatalogInfo and FSRefMakePath on real files.
+
+#import "Cocoa.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileReferences : public CocoaTest {
+protected:
+    ~FileReferences() override { fs::remove_all(folder_); }
+
+    [[nodiscard]] const fs::path &folder() const { return folder_; }
+
+    [[nodiscard]] fs::path file(const std::string &name) const {
+        const fs::path path = folder_ / name;
+        std::ofstream(path) << name;
+        return path;
+    }
+
+    static bool reference(const fs::path &path, FSRef &ref) {
+        NSString *const text = [NSString stringWithUTF8String:path.c_str()];
+        return CFURLGetFSRef((CFURLRef)[NSURL fileURLWithPath:text], &ref) != 0;
+    }
+
+    static FSRef reference(const fs::path &path) {
+        FSRef ref;
+        EXPECT_TRUE(reference(path, ref)) << path;
+        return ref;
+    }
+
+    static std::string path(const FSRef &ref) {
+        UInt8 buffer[4096] = {};
+        const OSStatus status = FSRefMakePath(&ref, buffer, sizeof buffer);
+        return status == 0 ? reinterpret_cast<const char *>(buffer)
+                           : "error " + std::to_string(status);
+    }
+
+    static OSErr info(const FSRef &ref, FSCatalogInfo *info, HFSUniStr255 *name = nullptr,
+                      FSRef *parent = nullptr) {
+        return FSGetCatalogInfo(&ref, info == nullptr ? kFSCatInfoNone : kFSCatInfoNodeID, info,
+                                name, nullptr, parent);
+    }
+
+    static std::u16string name(const FSRef &ref) {
+        HFSUniStr255 name;
+        const OSErr status = info(ref, nullptr, &name);
+        return status == 0 ? std::u16string(name.unicode, name.unicode + name.length) : u"(error)";
+    }
+
+private:
+    static fs::path makeFolder() {
+        std::string name = fs::canonical(fs::temp_directory_path()) / "standinXXXXXX";
+        EXPECT_NE(mkdtemp(name.data()), nullptr);
+        return name;
+    }
+
+    const fs::path folder_ = makeFolder();
+};
+
+TEST_F(FileReferences, LeadBackToTheFile) {
+    const fs::path item = file("a file");
+    EXPECT_EQ(path(reference(item)), item);
+    EXPECT_EQ(path(reference(folder())), folder());
+    EXPECT_EQ(path(reference("/")), "/");
+}
+
+TEST_F(FileReferences, AreOnlyMadeOfExistingFiles) {
+    FSRef ref;
+    EXPECT_FALSE(reference(folder() / "absent", ref));
+    EXPECT_FALSE(reference(folder() / "absent" / "deeper", ref));
+    EXPECT_FALSE(reference(file("plain") / "below", ref));
+    NSURL *const web = [NSURL URLWithString:@"http://example.com/tmp"];
+    EXPECT_FALSE(CFURLGetFSRef((CFURLRef)web, &ref));
+}
+
+TEST_F(FileReferences, TakeTheUrlOfAFolderWithAndWithoutSlash) {
+    NSString *const text = [NSString stringWithUTF8String:folder().c_str()];
+    NSURL *const url = [NSURL URLWithString:[NSString stringWithFormat:@"file://%@/", text]];
+    FSRef ref;
+    ASSERT_TRUE(CFURLGetFSRef((CFURLRef)url, &ref));
+    EXPECT_EQ(path(ref), folder());
+}
+
+TEST_F(FileReferences, TakeTheFolderAboveTheRoot) {
+    const auto root = (CFURLRef)[NSURL fileURLWithPath:@"/"];
+    const CFURLRef above = CFURLCreateCopyDeletingLastPathComponent(nullptr, root);
+    FSRef ref;
+    ASSERT_TRUE(CFURLGetFSRef(above, &ref));
+    EXPECT_EQ(path(ref), "/");
+    CFRelease(above);
+}
+
+TEST_F(FileReferences, DoNotFollowALinkButTheFoldersBeforeIt) {
+    const fs::path target = file("target");
+    fs::create_symlink("target", folder() / "link");
+    fs::create_directory_symlink(".", folder() / "again");
+    EXPECT_EQ(path(reference(folder() / "link")), folder() / "link");
+    EXPECT_EQ(path(reference(folder() / "again" / "target")), target);
+}
+
+TEST_F(FileReferences, OfOneFileAreAlike) {
+    const fs::path item = file("same");
+    const FSRef first = reference(item);
+    const FSRef second = reference(folder() / ".." / folder().filename() / "same");
+    EXPECT_EQ(std::memcmp(&first, &second, sizeof first), 0);
+}
+
+TEST_F(FileReferences, ExpireWithTheirFile) {
+    const FSRef ref = reference(file("short-lived"));
+    fs::remove(folder() / "short-lived");
+    HFSUniStr255 name;
+    EXPECT_EQ(info(ref, nullptr, &name), -43);
+    EXPECT_EQ(path(ref), "error -43");
+}
+
+TEST_F(FileReferences, OfZeroesAreNotValid) {
+    const FSRef blank = {};
+    EXPECT_EQ(info(blank, nullptr), -35);
+    EXPECT_EQ(path(blank), "error -35");
+}
+
+TEST_F(FileReferences, OfStrayBytesAreNotValid) {
+    FSRef stray;
+    std::memset(&stray, 0x5A, sizeof stray);
+    EXPECT_EQ(info(stray, nullptr), -43);
+    EXPECT_EQ(path(stray), "error -43");
+}
+
+TEST_F(FileReferences, KnowTheirNodeAndParent) {
+    const FSRef ref = reference(file("child"));
+    FSCatalogInfo child;
+    std::memset(&child, 0x5A, sizeof child);
+    FSRef parent;
+    ASSERT_EQ(info(ref, &child, nullptr, &parent), 0);
+    EXPECT_GE(child.nodeID, 16U);
+    EXPECT_EQ(child.volume, 0x5A5A); // not asked for
+    EXPECT_EQ(path(parent), folder());
+    EXPECT_EQ(info(parent, nullptr), 0);
+
+    FSCatalogInfo both;
+    EXPECT_EQ(FSGetCatalogInfo(&ref, 0x04 | 0x08, &both, nullptr, nullptr, nullptr), 0);
+    FSCatalogInfo folderInfo;
+    ASSERT_EQ(info(parent, &folderInfo), 0);
+    EXPECT_EQ(both.parentDirID, folderInfo.nodeID);
+    EXPECT_LT(both.volume, 0);
+}
+
+TEST_F(FileReferences, OfAVolumeRootHaveNodeTwoAndNoValidParent) {
+    const FSRef root = reference("/");
+    FSCatalogInfo rootInfo;
+    FSRef parent;
+    ASSERT_EQ(info(root, &rootInfo, nullptr, &parent), 0);
+    EXPECT_EQ(rootInfo.nodeID, 2U);
+    EXPECT_NE(info(parent, nullptr), 0);
+    EXPECT_FALSE(name(root).empty());
+
+    ASSERT_EQ(info(reference("/proc"), &rootInfo), 0); // another file system's root
+    EXPECT_EQ(rootInfo.nodeID, 2U);
+    EXPECT_EQ(name(reference("/proc")), u"proc");
+}
+
+TEST_F(FileReferences, NamesAreDecomposedAsHfsStoresThem) {
+    EXPECT_EQ(name(reference(file("plain.txt"))), u"plain.txt");
+    EXPECT_EQ(name(reference(file("caf\xC3\xA9"))), u"cafe\u0301");
+    // U+2260 and U+FB01 stay composed: the one by exception, the other has no canonical form.
+    EXPECT_EQ(name(reference(file("\xE2\x89\xA0\xEF\xAC\x81"))), u"\u2260\uFB01");
+}
+
+TEST_F(FileReferences, NamesThatHfsCannotStoreAreErrors) {
+    HFSUniStr255 out;
+    std::string longName; // 85 characters of three bytes, which decompose into four units each
+    for (int count = 0; count < 85; ++count) {
+        longName += "\xE1\xBE\x82";
+    }
+    EXPECT_EQ(info(reference(file(longName)), nullptr, &out), -37);
+    const std::string full(255, 'x');
+    EXPECT_EQ(name(reference(file(full))), std::u16string(255, u'x'));
+}
+
+TEST_F(FileReferences, PathsNeedRoomForTheTerminator) {
+    const fs::path item = file("p");
+    const FSRef ref = reference(item);
+    const auto length = static_cast<UInt32>(item.string().size());
+    std::vector<UInt8> buffer(length + 1, 0x5A);
+    EXPECT_EQ(FSRefMakePath(&ref, buffer.data(), length), -2110);
+    EXPECT_EQ(FSRefMakePath(&ref, buffer.data(), length + 1), 0);
+    EXPECT_EQ(buffer[length], 0);
+}
+
+TEST_F(FileReferences, BadArgumentsAreErrors) {
+    const FSRef ref = reference(folder());
+    UInt8 buffer[1];
+    EXPECT_EQ(FSGetCatalogInfo(nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), -50);
+    EXPECT_EQ(FSGetCatalogInfo(&ref, 0x20, nullptr, nullptr, nullptr, nullptr), -50);
+    EXPECT_EQ(FSRefMakePath(nullptr, buffer, 1), -50);
+    EXPECT_EQ(FSRefMakePath(&ref, nullptr, 0), -50);
+}
+
+} // namespace
