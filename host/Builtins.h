@@ -46,7 +46,7 @@ Data *payloadOf(Heap &heap, ObjectHandle handle, std::string_view wanted) {
         return nullptr;
     auto *data = std::get_if<Data>(&object->payload);
     if (data == nullptr)
-        heap.violation("got " + Heap::name(*object) + " where a " + std::string(wanted) +
+        heap.violation("got " + Heap::name(*object) + " where a live " + std::string(wanted) +
                        " is needed (" + object->history.text() + ")");
     return data;
 }

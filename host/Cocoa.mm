@@ -2,16 +2,20 @@
 
 #import <Foundation/Foundation.h>
 
-#include <exception>
-
 namespace host {
 
-AutoreleasePool::AutoreleasePool()
-    : pool_([[NSAutoreleasePool alloc] init]), exceptionsInFlight_(std::uncaught_exceptions()) {}
+AutoreleasePool::AutoreleasePool() : pool_(pushAutoreleasePool()) {}
 
 AutoreleasePool::~AutoreleasePool() {
-    if (std::uncaught_exceptions() == exceptionsInFlight_)
-        [static_cast<NSAutoreleasePool *>(pool_) drain];
+    popAutoreleasePool(pool_);
+}
+
+void *pushAutoreleasePool() {
+    return [[NSAutoreleasePool alloc] init];
+}
+
+void popAutoreleasePool(void *pool) {
+    [static_cast<NSAutoreleasePool *>(pool) drain];
 }
 
 void startFoundation(int argc, char **argv, char **environment) {

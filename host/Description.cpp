@@ -69,10 +69,11 @@ std::string asText(const std::vector<const HostClass *> &classes) {
         for (const Section &section : sectionsOf(*type)) {
             text += "\n  " + section.title + '\n';
             std::array<std::size_t, 2> widths{};
-            for (const auto &row : section.rows)
+            const auto first = section.rows.begin() + 1;
+            for (auto row = first; row != section.rows.end(); ++row)
                 for (std::size_t i = 0; i < widths.size(); ++i)
-                    widths[i] = std::max(widths[i], row[i].size());
-            for (auto row = section.rows.begin() + 1; row != section.rows.end(); ++row) {
+                    widths[i] = std::max(widths[i], (*row)[i].size());
+            for (auto row = first; row != section.rows.end(); ++row) {
                 std::string line = "    ";
                 for (std::size_t i = 0; i < widths.size(); ++i)
                     line += (*row)[i] + std::string(widths[i] + 2 - (*row)[i].size(), ' ');

@@ -46,9 +46,14 @@ public:
             fail(file, "an ELF file, but no shared object");
         for (const auto &header : must(elf_->getELFFile().program_headers(), file)) {
             const Range range{header.p_vaddr, header.p_vaddr + header.p_memsz};
-            if (header.p_type == PT_LOAD)
+            if (header.p_type == PT_LOAD) {
+                // A page past the end of the file would end the process, not the loading.
+                const std::uint64_t size = elf_->getELFFile().getBufSize();
+                if (header.p_filesz > size || header.p_offset > size - header.p_filesz)
+                    fail(file, "damaged: a segment passes the end of the file");
                 segments.push_back(range);
-            else if (header.p_type == PT_GNU_RELRO)
+            }
+            if (header.p_type == PT_GNU_RELRO)
                 readOnlyAfterRelocation.push_back(range);
         }
         for (const auto symbol : elf_->getDynamicSymbolIterators())

@@ -129,8 +129,9 @@ void Host::onUnexamined(std::function<void(const std::string &)> handler) {
 Image &Host::loadPlugin(const std::filesystem::path &file, const ImageOptions &imageOptions) {
     static std::vector<std::unique_ptr<Image>> images;
     Image &image = *images.emplace_back(openImage(file, imageOptions));
-    const AutoreleasePool pool;
+    void *const pool = pushAutoreleasePool();
     image.entryPoint()(resolver());
+    popAutoreleasePool(pool);
     return image;
 }
 

@@ -47,12 +47,13 @@ const Method *constructorFor(const HostClass &type, std::size_t count) {
 /// Runs a program's call: what is pending before is not its doing, what is pending after is.
 template <typename Body>
 Outcome Host::perform(Body body) {
-    const AutoreleasePool pool;
-    makePendingStray();
-    Outcome outcome;
-    outcome.value = body();
-    outcome.exception = takePendingException();
-    return outcome;
+    return inAutoreleasePool([&] {
+        makePendingStray();
+        Outcome outcome;
+        outcome.value = body();
+        outcome.exception = takePendingException();
+        return outcome;
+    });
 }
 
 Outcome Host::newObject(std::string_view className, const Values &arguments) {
@@ -75,11 +76,10 @@ Outcome Host::newObject(std::string_view className, const Values &arguments) {
 }
 
 ObjectRef Host::newInstance(std::string_view className) {
-    const AutoreleasePool pool;
     const HostClass *type = classes().find(className);
     if (type == nullptr || type->isInternal)
         return {};
-    Object *object = instantiate(*this, *type);
+    Object *object = inAutoreleasePool([&] { return instantiate(*this, *type); });
     return object == nullptr ? ObjectRef{} : ObjectRef::adopt(object->handle());
 }
 

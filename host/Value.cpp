@@ -98,7 +98,10 @@ ObjectHandle ObjectRef::release() {
 
 Value::Value(const char *utf8Text) : Value(std::string_view(utf8Text)) {}
 
-Value::Value(std::string_view utf8Text) : Value(Host::current().makeString(utf8Text)) {}
+Value::Value(std::string_view utf8Text) {
+    if (!utf8Text.empty())
+        emplace<StringRef>(Host::current().makeString(utf8Text));
+}
 
 std::int64_t Value::integer() const {
     if (const auto *number = std::get_if<std::int64_t>(this))
@@ -160,6 +163,12 @@ std::string describe(const Value &value) {
         }
     };
     return std::visit(Describe{}, static_cast<const ValueAlternatives &>(value));
+}
+
+ObjectRef Outcome::object() && {
+    ObjectRef owner = result().object();
+    value = {};
+    return owner;
 }
 
 const Value &Outcome::result() const {

@@ -100,7 +100,7 @@ public:
     Value() = default;
     Value(int number) : ValueAlternatives(std::int64_t{number}) {}
     Value(long long number) : ValueAlternatives(std::int64_t{number}) {}
-    /// Makes a UTF-8 string in the current host.
+    /// Makes a UTF-8 string in the current host; "" is nil, as the empty string of a program is.
     Value(const char *utf8Text);
     Value(std::string_view utf8Text);
     Value(StringRef string) {
@@ -156,7 +156,9 @@ struct Outcome {
     double number() const { return result().number(); }
     bool boolean() const { return result().boolean(); }
     StringRef string() const { return result().string(); }
-    ObjectRef object() const { return result().object(); }
+    ObjectRef object() const & { return result().object(); }
+    /// Moved out, so that the owner that it gives is the only one.
+    ObjectRef object() &&;
     std::string text() const { return result().text(); }
 };
 

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -23,6 +24,11 @@ enum Status { fine = 0, misbehaved = 1, badInput = 2 };
 
 void print(std::FILE *stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+Status complain(const std::string &what, Status status) {
+    print(stderr, "zkthost: " + what + '\n');
+    return status;
 }
 
 bool wantsColours() {
@@ -53,8 +59,7 @@ host::Image &load(host::Host &host, const zkthost::Options &options) {
     }
 }
 
-Status run(const zkthost::Options &options) {
-    host::Host host(options.host);
+Status run(host::Host &host, const zkthost::Options &options) {
     host::Image &image = load(host, options);
     if (options.command == zkthost::Command::describe) {
         print(stdout, describeClasses(host, options.format));
@@ -77,26 +82,32 @@ int main(int argc, char **argv) {
     host::startFoundation(argc, argv, environ);
     // verdict() prints them; a host that dies early has its cause printed instead.
     host::Host::onUnexamined([](const std::string &) {});
-    Status status = fine;
+    zkthost::Options options;
     try {
-        const zkthost::CommandLine commandLine = zkthost::parseCommandLine(argc, argv);
+        zkthost::CommandLine commandLine = zkthost::parseCommandLine(argc, argv);
         if (commandLine.text) {
             print(stdout, *commandLine.text);
             return fine;
         }
-        const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(commandLine.options); });
-        if (!cocoa)
-            return status;
-        print(stderr, "zkthost: the plug-in let an NSException through: " + *cocoa + '\n');
+        options = std::move(commandLine.options);
     } catch (const zkthost::InputError &error) {
-        print(stderr, "zkthost: " + std::string(error.what()) + '\n');
-        return badInput;
-    } catch (const host::UsageError &error) {
-        print(stderr, "zkthost: " + std::string(error.what()) + '\n');
-        return badInput;
-    } catch (const std::exception &error) {
-        print(stderr, "zkthost: the plug-in let a C++ exception through: " +
-                          std::string(error.what()) + '\n');
+        return complain(error.what(), badInput);
     }
-    return misbehaved;
+    // Outside of what exceptions leave: an NSException may live in the host's autorelease pool.
+    host::Host host(options.host);
+    try {
+        Status status = fine;
+        const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(host, options); });
+        return cocoa ? complain("the plug-in let an NSException through: " + *cocoa, misbehaved)
+                     : status;
+    } catch (const zkthost::InputError &error) {
+        return complain(error.what(), badInput);
+    } catch (const host::UsageError &error) {
+        return complain(error.what(), badInput);
+    } catch (const std::exception &error) {
+        return complain(std::string("the plug-in let a C++ exception through: ") + error.what(),
+                        misbehaved);
+    } catch (...) {
+        return complain("the plug-in let a C++ exception through", misbehaved);
+    }
 }

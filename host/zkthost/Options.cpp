@@ -42,7 +42,7 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
     Options &options = result.options;
     CLI::App app("A host for plug-ins of the ZKT family: loads one and shows what programs see.",
                  "zkthost");
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1); // checked below: an unknown word shall be named first
     app.fallthrough();
     app.footer(namesOfServices());
 
@@ -91,6 +91,8 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
     } catch (const CLI::ParseError &error) {
         throw InputError(std::string(error.what()) + " (zkthost --help lists what there is)");
     }
+    if (app.get_subcommands().empty())
+        throw InputError("no command: describe or report (zkthost --help lists what there is)");
     options.command = describe->parsed() ? Command::describe : Command::report;
     const auto &formats = describe->parsed() ? describeFormats : reportFormats;
     const auto chosen = formats.find(format);

@@ -1,0 +1,89 @@
+#include "ChildProcess.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+void check(int error, const char *what) {
+    if (error != 0)
+        throw std::system_error(error, std::generic_category(), what);
+}
+
+/// A file in memory that the program writes to: unlike a pipe it takes any amount.
+class Output {
+public:
+    explicit Output(const char *name) : file_(memfd_create(name, MFD_CLOEXEC)) {
+        check(file_ < 0 ? errno : 0, "memfd_create");
+    }
+    ~Output() { close(file_); }
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+
+    int file() const { return file_; }
+    std::string text() const {
+        struct stat status{};
+        check(fstat(file_, &status) < 0 ? errno : 0, "fstat");
+        std::string text(static_cast<std::size_t>(status.st_size), '\0');
+        check(pread(file_, text.data(), text.size(), 0) < 0 ? errno : 0, "pread");
+        return text;
+    }
+
+private:
+    int file_;
+};
+
+class FileActions {
+public:
+    FileActions() { check(posix_spawn_file_actions_init(&actions_), "file actions"); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    FileActions(const FileActions &) = delete;
+    FileActions &operator=(const FileActions &) = delete;
+
+    void duplicate(int from, int to) {
+        check(posix_spawn_file_actions_adddup2(&actions_, from, to), "file actions");
+    }
+    void openEmpty(int file) {
+        check(posix_spawn_file_actions_addopen(&actions_, file, "/dev/null", O_RDONLY, 0),
+              "file actions");
+    }
+    const posix_spawn_file_actions_t *get() const { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_;
+};
+
+} // namespace
+
+Finished runProgram(const std::filesystem::path &program,
+                    const std::vector<std::string> &arguments) {
+    std::vector<std::string> words{program};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char *> pointers;
+    for (std::string &word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+
+    const Output out("out");
+    const Output err("err");
+    FileActions actions;
+    actions.openEmpty(STDIN_FILENO);
+    actions.duplicate(out.file(), STDOUT_FILENO);
+    actions.duplicate(err.file(), STDERR_FILENO);
+    pid_t process = 0;
+    check(posix_spawn(&process, program.c_str(), actions.get(), nullptr, pointers.data(), environ),
+          program.c_str());
+    int status = 0;
+    check(waitpid(process, &status, 0) < 0 ? errno : 0, "waitpid");
+    return {.process = process,
+            .status = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+            .signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0,
+            .out = out.text(),
+            .err = err.text()};
+}

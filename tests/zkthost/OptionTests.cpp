@@ -1,0 +1,169 @@
+// zkthost's command line: what it takes, what it refuses, and hosts that lack a service.
+
+#include "Json.h"
+#include "Zkthost.h"
+
+#include "host/Services.h"
+
+#include <gmock/gmock.h>
+
+using testing::HasSubstr;
+
+namespace {
+
+class CommandLine : public testing::TestWithParam<ImageFile> {
+protected:
+    const std::filesystem::path &image = GetParam().path;
+};
+
+INSTANTIATE_TEST_SUITE_P(, CommandLine, testing::Values(macosImage(), linuxImage()),
+                         [](const auto &parameter) { return parameter.param.name; });
+
+/// Reports and descriptions of two runs, without what differs from process to process.
+std::string described(const Finished &run) {
+    expectSuccess(run);
+    return run.out;
+}
+
+} // namespace
+
+TEST_P(CommandLine, TakesOptionsBeforeAndAfterTheCommand) {
+    const std::string after =
+        described(zkthost({"describe", "--host-version", "2012.5", "--image", image}));
+    EXPECT_EQ(described(zkthost({"--image", image, "--host-version", "2012.5", "describe"})),
+              after);
+    EXPECT_EQ(described(zkthost({"--host-version", "2012.5", "describe", "--image", image})),
+              after);
+    EXPECT_THAT(after, HasSubstr("interface version 10"));
+}
+
+TEST_P(CommandLine, TakesSeveralMissingServices) {
+    const auto report =
+        parsedJson(described(zkthost({"report", "--format", "json", "--without", "REALBuildString",
+                                      "--without", "REALGetRBVersion"},
+                                     image)));
+    EXPECT_EQ(integerMember(report, "interfaceVersion"), 9);
+    for (const llvm::json::Value &row : arrayMember(report, "properties"))
+        if (stringMember(row, "type") == "String")
+            EXPECT_TRUE(member(row, "value").getAsNull()) << stringMember(row, "name");
+}
+
+TEST_P(CommandLine, TakesTheSameMissingServiceTwice) {
+    expectSuccess(
+        zkthost({"report", "--without", "REALLockObject", "--without", "REALLockObject"}, image));
+}
+
+TEST(Help, ListsTheCommandsTheOptionsAndTheServices) {
+    const Finished run = zkthost({"--help"});
+    expectSuccess(run);
+    for (const char *word :
+         {"describe", "report", "--image", "--host-version", "--without", "--sibling"})
+        EXPECT_THAT(run.out, HasSubstr(word));
+    for (const std::string_view service : host::Services::names())
+        EXPECT_THAT(run.out, HasSubstr("\n  " + std::string(service) + "\n"));
+}
+
+TEST(Help, IsThereForEachCommand) {
+    for (const char *command : {"describe", "report"}) {
+        const Finished run = zkthost({command, "--help"});
+        expectSuccess(run);
+        EXPECT_THAT(run.out, HasSubstr("--format"));
+    }
+}
+
+namespace {
+
+// A command line that is wrong, and the word that its message has to have.
+struct WrongCommandLine {
+    const char *name;
+    std::vector<std::string> arguments;
+    const char *mentioned;
+};
+void PrintTo(const WrongCommandLine &wrong, std::ostream *stream) {
+    *stream << wrong.name;
+}
+
+class Refusal : public testing::TestWithParam<WrongCommandLine> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    , Refusal,
+    testing::Values(
+        WrongCommandLine{"NoCommand", {}, "command"},
+        WrongCommandLine{"UnknownCommand", {"rport"}, "rport"},
+        WrongCommandLine{"UnknownOption", {"report", "--colour"}, "--colour"},
+        WrongCommandLine{"UnknownOptionWithoutCommand", {"--colour"}, "--colour"},
+        WrongCommandLine{"TwoCommands", {"report", "describe"}, "describe"},
+        WrongCommandLine{"ExtraWord", {"report", "me"}, "me"},
+        WrongCommandLine{"ImageWithoutFile", {"report", "--image"}, "--image"},
+        WrongCommandLine{
+            "UnknownService", {"report", "--without", "REALLockObjekt"}, "REALLockObjekt"},
+        WrongCommandLine{
+            "ServiceInOtherLetters", {"report", "--without", "reallockobject"}, "REALLockObject"},
+        WrongCommandLine{
+            "NearestService", {"describe", "--without", "BuildString"}, "REALBuildString"},
+        WrongCommandLine{"ServiceThatEveryHostHas",
+                         {"report", "--without", "RegisterPluginVersion"},
+                         "RegisterPluginVersion"},
+        WrongCommandLine{"WithoutNothing", {"report", "--without"}, "--without"},
+        WrongCommandLine{"UnknownSibling", {"report", "--sibling", "cousin"}, "cousin"},
+        WrongCommandLine{"VersionThatIsNoNumber", {"report", "--host-version", "new"}, "new"},
+        WrongCommandLine{"UnknownReportFormat", {"report", "--format", "xml"}, "xml"},
+        WrongCommandLine{"ReportAsMarkdown", {"report", "--format", "markdown"}, "markdown"},
+        WrongCommandLine{"UnknownDescribeFormat", {"describe", "--format", "yaml"}, "yaml"}),
+    [](const auto &parameter) { return parameter.param.name; });
+
+} // namespace
+
+TEST_P(Refusal, IsOneMessageThatNamesTheCause) {
+    for (const ImageFile &image : {macosImage(), linuxImage()}) {
+        auto arguments = GetParam().arguments;
+        arguments.insert(arguments.begin(), {"--image", image.path});
+        expectBadInput(zkthost(arguments), GetParam().mentioned);
+    }
+}
+
+namespace {
+
+class HostWithout : public testing::TestWithParam<std::tuple<ImageFile, std::string>> {
+protected:
+    Finished run(const char *command) {
+        return zkthost({command, "--without", service}, std::get<0>(GetParam()).path);
+    }
+    const std::string &service = std::get<1>(GetParam());
+};
+
+std::vector<std::string> services() {
+    std::vector<std::string> names;
+    for (const std::string_view name : host::Services::names())
+        if (name != "RegisterPluginVersion") // no host lacks it
+            names.emplace_back(name);
+    return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(, HostWithout,
+                         testing::Combine(testing::Values(macosImage(), linuxImage()),
+                                          testing::ValuesIn(services())),
+                         [](const auto &parameter) {
+                             return std::string(std::get<0>(parameter.param).name) + "_" +
+                                    std::get<1>(parameter.param);
+                         });
+
+} // namespace
+
+TEST_P(HostWithout, AServiceIsStillDescribed) {
+    const Finished described = run("describe");
+    expectSuccess(described);
+    EXPECT_EQ(described.out.find("NSProcessInfoZKT") != std::string::npos,
+              service != "PluginRegisterClass");
+}
+
+TEST_P(HostWithout, AServiceIsStillReportedOn) {
+    const Finished reported = run("report");
+    if (service == "PluginRegisterClass") {
+        expectBadInput(reported, "NSProcessInfoZKT");
+        return;
+    }
+    expectSuccess(reported);
+    EXPECT_EQ(reported.out.find("processInfo gives nil") != std::string::npos,
+              service == "PluginNewInstance");
+}

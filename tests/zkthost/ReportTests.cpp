@@ -1,0 +1,156 @@
+// zkthost report: what a program sees of its own process, here of zkthost's.
+
+#include "ExpectedClasses.h"
+#include "Json.h"
+#include "Zkthost.h"
+
+#include <gmock/gmock.h>
+
+#include <limits.h>
+#include <unistd.h>
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+namespace {
+
+class Report : public testing::TestWithParam<ImageFile> {
+protected:
+    llvm::json::Value json(std::vector<std::string> options = {}) {
+        options.insert(options.begin(), {"report", "--format", "json"});
+        run = zkthost(options, GetParam().path);
+        expectSuccess(run);
+        return parsedJson(run.out);
+    }
+    Finished run = {};
+};
+
+INSTANTIATE_TEST_SUITE_P(, Report, testing::Values(macosImage(), linuxImage()),
+                         [](const auto &parameter) { return parameter.param.name; });
+
+/// A row of one of the report's tables.
+const llvm::json::Value &row(const llvm::json::Value &report, const char *table,
+                             std::string_view name) {
+    for (const llvm::json::Value &each : arrayMember(report, table))
+        if (stringMember(each, "name") == name)
+            return each;
+    throw std::runtime_error("no row " + std::string(name));
+}
+
+const llvm::json::Value &property(const llvm::json::Value &report, std::string_view name) {
+    return member(row(report, "properties", name), "value");
+}
+
+std::string hostName() {
+    char name[HOST_NAME_MAX + 1] = {};
+    gethostname(name, sizeof name);
+    return name;
+}
+
+} // namespace
+
+TEST_P(Report, ShowsEveryPropertyWithItsTypeInOrder) {
+    const auto report = json();
+    const auto &rows = arrayMember(report, "properties");
+    ASSERT_EQ(rows.size(), std::size(expectedProperties));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(stringMember(rows[i], "name"), expectedProperties[i].name);
+        EXPECT_EQ(stringMember(rows[i], "type"), expectedProperties[i].type);
+        EXPECT_EQ(rows[i].getAsObject()->get("exception"), nullptr);
+    }
+}
+
+TEST_P(Report, IsAboutTheProcessThatRan) {
+    const auto report = json();
+    EXPECT_EQ(property(report, "processIdentifier").getAsInteger(), run.process);
+    EXPECT_EQ(property(report, "processName").getAsString(), "zkthost");
+    EXPECT_EQ(property(report, "argumentsCount").getAsInteger(), 6)
+        << "the program's name, report, --format, json, --image and the file";
+}
+
+TEST_P(Report, IsAboutThisMachine) {
+    const auto report = json();
+    const auto memory = property(report, "physicalMemory").getAsInteger();
+    EXPECT_EQ(memory, sysconf(_SC_PHYS_PAGES) * sysconf(_SC_PAGESIZE));
+    EXPECT_EQ(property(report, "processorCount").getAsInteger(), sysconf(_SC_NPROCESSORS_CONF));
+    EXPECT_EQ(property(report, "hostName").getAsString(), hostName());
+    EXPECT_GT(property(report, "systemUptime").getAsNumber(), 0.0);
+    EXPECT_EQ(property(report, "thermalState").getAsInteger(), 0);
+}
+
+TEST_P(Report, ShowsTheNotificationsName) {
+    constexpr const char *name = "NSProcessInfoThermalStateDidChangeNotification";
+    const auto report = json();
+    ASSERT_EQ(arrayMember(report, "sharedMethods").size(), 1u);
+    EXPECT_EQ(stringMember(row(report, "sharedMethods", name), "value"), name);
+}
+
+TEST_P(Report, ShowsEveryConstant) {
+    const auto report = json();
+    const auto &rows = arrayMember(report, "constants");
+    ASSERT_EQ(rows.size(), std::size(expectedConstants));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(stringMember(rows[i], "name"), expectedConstants[i].name);
+        EXPECT_EQ(integerMember(rows[i], "value"), expectedConstants[i].value);
+    }
+}
+
+TEST_P(Report, SaysWhatItRanOn) {
+    const auto report = json();
+    EXPECT_EQ(stringMember(report, "class"), "NSProcessInfoZKT");
+    EXPECT_EQ(stringMember(report, "image"), GetParam().executable);
+    EXPECT_EQ(stringMember(report, "imageFormat"), GetParam().format);
+    EXPECT_EQ(integerMember(report, "interfaceVersion"), 13);
+    EXPECT_EQ(member(report, "hostVersion").getAsNumber(), 2013.04);
+}
+
+TEST_P(Report, LeavesNothingBehind) {
+    const auto report = json();
+    const auto &account = member(report, "account");
+    EXPECT_GT(integerMember(account, "calls"), 0);
+    for (const char *leftover : {"liveObjects", "liveStrings", "leaks", "violations"})
+        EXPECT_EQ(integerMember(account, leftover), 0) << leftover;
+}
+
+TEST_P(Report, AsTextIsTheDefaultWithARowForEachThing) {
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    for (const ExpectedProperty &expected : expectedProperties)
+        EXPECT_THAT(text.out, testing::ContainsRegex(std::string("\n  ") + expected.name + " +" +
+                                                     expected.type + " +[^ \n]"));
+    for (const ExpectedConstant &expected : expectedConstants)
+        EXPECT_THAT(text.out,
+                    testing::ContainsRegex(std::string("\n  ") + expected.name + " +Integer +" +
+                                           std::to_string(expected.value) + "\n"));
+    EXPECT_THAT(text.out, HasSubstr(GetParam().executable.string() + " (" + GetParam().format +
+                                    "), interface version 13\n"));
+}
+
+TEST_P(Report, AsTextEndsWithTheAccount) {
+    const auto lines = linesOf(zkthost({"report"}, GetParam().path).out);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_THAT(lines.back(), MatchesRegex("[1-9][0-9]* calls, 0 objects and 0 strings live, "
+                                           "no leaks, no violations"));
+}
+
+TEST_P(Report, HasNoColoursWhenItIsNotReadOnATerminal) {
+    EXPECT_EQ(zkthost({"report"}, GetParam().path).out.find('\033'), std::string::npos);
+}
+
+TEST_P(Report, FollowsTheHostsVersion) {
+    constexpr std::pair<const char *, int> rows[] = {
+        {"2013.04", 13}, {"2013.035", 12}, {"2013.02", 11}, {"2012.5", 10},
+        {"2011.9", 9},   {"0", 9},         {"-1", 9},       {"nan", 9},
+    };
+    for (const auto &[version, interface] : rows)
+        EXPECT_EQ(integerMember(json({"--host-version", version}), "interfaceVersion"), interface)
+            << version;
+}
+
+TEST_P(Report, WorksWithEachSiblingAlone) {
+    for (const char *sibling : {"exceptions", "registry", "none"}) {
+        SCOPED_TRACE(sibling);
+        const auto report = json({"--sibling", sibling});
+        EXPECT_EQ(arrayMember(report, "properties").size(), std::size(expectedProperties));
+    }
+}
