@@ -1,0 +1,137 @@
+#include "AllocationSpy.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
+#include <span>
+
+// The program's own functions stand before the C library's, for everything loaded into it.
+// A sanitizer's are reached under the names that it gives its interceptors.
+#if __has_feature(address_sanitizer)
+extern "C" void *__interceptor_malloc(std::size_t);
+extern "C" void *__interceptor_calloc(std::size_t, std::size_t);
+extern "C" void __interceptor_free(void *);
+static constexpr auto systemMalloc = __interceptor_malloc;
+static constexpr auto systemCalloc = __interceptor_calloc;
+static constexpr auto systemFree = __interceptor_free;
+#else
+extern "C" void *__libc_malloc(std::size_t);
+extern "C" void *__libc_calloc(std::size_t, std::size_t);
+extern "C" void __libc_free(void *);
+static constexpr auto systemMalloc = __libc_malloc;
+static constexpr auto systemCalloc = __libc_calloc;
+static constexpr auto systemFree = __libc_free;
+#endif
+
+namespace {
+
+struct Block {
+    std::size_t size;
+    void *address; // null: the allocation failed, or it has been freed
+};
+
+struct Watch {
+    bool on = false;
+    bool failing = false;
+    const host::Image *image = nullptr;
+    std::array<Block, 64> blocks{};
+    std::size_t count = 0;
+
+    std::span<Block> kept() { return std::span(blocks).first(std::min(count, blocks.size())); }
+};
+constinit Watch watch;
+
+template <class Allocate>
+void *allocate(const void *caller, std::size_t size, Allocate system) {
+    if (!watch.on || !watch.image->contains(caller))
+        return system();
+    void *const memory = watch.failing ? nullptr : system();
+    if (watch.count < watch.blocks.size())
+        watch.blocks[watch.count] = {size, memory};
+    ++watch.count;
+    return memory;
+}
+
+void *orThrow(void *memory) {
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+} // namespace
+
+extern "C" void *malloc(std::size_t size) {
+    return allocate(__builtin_return_address(0), size, [=] { return systemMalloc(size); });
+}
+
+extern "C" void *calloc(std::size_t count, std::size_t size) {
+    return allocate(__builtin_return_address(0), count * size,
+                    [=] { return systemCalloc(count, size); });
+}
+
+extern "C" void free(void *memory) {
+    if (watch.on && memory != nullptr)
+        for (Block &block : watch.kept())
+            if (block.address == memory)
+                block.address = nullptr;
+    systemFree(memory);
+}
+
+// C++'s are the program's too, for what an image allocates through them to count as its own.
+
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    return allocate(__builtin_return_address(0), size, [=] { return systemMalloc(size); });
+}
+
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+    return allocate(__builtin_return_address(0), size, [=] { return systemMalloc(size); });
+}
+
+void *operator new(std::size_t size) {
+    return orThrow(allocate(__builtin_return_address(0), size, [=] { return systemMalloc(size); }));
+}
+
+void *operator new[](std::size_t size) {
+    return orThrow(allocate(__builtin_return_address(0), size, [=] { return systemMalloc(size); }));
+}
+
+void operator delete(void *memory) noexcept {
+    free(memory);
+}
+
+void operator delete[](void *memory) noexcept {
+    free(memory);
+}
+
+void operator delete(void *memory, std::size_t) noexcept {
+    free(memory);
+}
+
+void operator delete[](void *memory, std::size_t) noexcept {
+    free(memory);
+}
+
+AllocationSpy::AllocationSpy(const host::Image &image) {
+    watch = {.on = true, .image = &image};
+}
+
+AllocationSpy::~AllocationSpy() {
+    watch = {};
+}
+
+std::vector<std::size_t> AllocationSpy::sizes() const {
+    std::vector<std::size_t> result;
+    for (const Block &block : watch.kept())
+        result.push_back(block.size);
+    return result;
+}
+
+std::size_t AllocationSpy::unfreed() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(watch.kept(), [](const Block &block) { return block.address; }));
+}
+
+void AllocationSpy::failAll() {
+    watch.failing = true;
+}

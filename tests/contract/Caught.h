@@ -1,0 +1,14 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+// What leaves a call, for tests that cannot catch it themselves: a source file catches either
+// Cocoa's exceptions or C++'s. Those of the other kind pass through.
+
+/// "Name: reason" of the NSException that leaves the body; nothing when it returns.
+std::optional<std::string> cocoaExceptionFrom(const std::function<void()> &body);
+
+/// The what() of the std::exception that leaves the body; nothing when it returns.
+std::optional<std::string> standardExceptionFrom(const std::function<void()> &body);

@@ -1,0 +1,266 @@
+// Cocoa strings from host strings when the host lacks a service, or something throws on the way.
+
+#import "HostStringScene.h"
+#import "TracedObject.h"
+
+#include "Caught.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+constexpr const char *findLenB =
+    "REALLoadGlobalMethod(nil, \"LenB( s as string ) as integer\") = pointer";
+constexpr const char *missLenB =
+    "REALLoadGlobalMethod(nil, \"LenB( s as string ) as integer\") = nil";
+
+} // namespace
+
+TEST(HostStringWithout, REALGetStringEncodingIsAskedForAsACFString) {
+    HostStringScene scene;
+    scene.host.services().hide("REALGetStringEncoding");
+    EXPECT_EQ(unitsOf(scene.convertBytes("Gr\xC3\xBC\xC3\x9F"
+                                         "e",
+                                         host::encoding::utf8)),
+              u"Gr\u00FC\u00DFe");
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("miss REALGetStringEncoding", "find REALGetStringCFString",
+                            "REALGetStringCFString(String#1, 0) = pointer"));
+}
+
+TEST(HostStringWithout, REALGetStringEncodingIsMacRomanInItsBytes) {
+    HostStringScene scene;
+    scene.host.services().hide("REALGetStringEncoding");
+    scene.handOutNoCFString();
+    EXPECT_EQ(unitsOf(scene.convertBytes("\x8E", host::encoding::latin1)), u"\u00E9");
+    EXPECT_THAT(scene.host.calls(),
+                Contains("CFStringCreateWithBytes(\"\\x8E\", 1, 0x00000000, true)"));
+}
+
+TEST(HostStringWithout, REALGetStringEncodingLooksForItAgain) {
+    HostStringScene scene;
+    scene.host.services().hide("REALGetStringEncoding");
+    scene.convertBytes("a", host::encoding::utf8);
+    scene.host.services().restore("REALGetStringEncoding");
+    scene.host.clearTrace();
+    scene.convert(scene.string);
+    EXPECT_EQ(scene.host.trace().front(), "find REALGetStringEncoding");
+}
+
+TEST(HostStringWithout, REALGetStringCFStringIsReadFromItsBytes) {
+    HostStringScene scene;
+    scene.host.services().hide("REALGetStringCFString");
+    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
+    scene.convert(scene.string);
+    EXPECT_EQ(scene.host.services().lookups("REALGetStringCFString"), 4u)
+        << "both wrappers ask at each conversion";
+}
+
+TEST(HostStringWithout, REALLockStringIsReadAllTheSame) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("REALLockString");
+    scene.host.services().hide("REALUnlockString");
+    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
+    EXPECT_EQ(scene.host.references(scene.string.handle()), 1);
+    EXPECT_EQ(scene.host.lookups().back(), "miss REALUnlockString");
+}
+
+TEST(HostStringWithout, REALUnlockStringStaysLocked) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("REALUnlockString");
+    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
+    EXPECT_EQ(scene.host.references(scene.string.handle()), 2);
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released")));
+}
+
+TEST(HostStringWithout, AnythingToReadItByIsEmpty) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("StringGetCString");
+    scene.host.services().hide("REALLoadGlobalMethod");
+    NSString *result = scene.convertBytes("abc", host::encoding::utf8);
+    ASSERT_NE(result, nil);
+    EXPECT_EQ(unitsOf(result), u"");
+    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(nil, 0, 0x08000100, true)"));
+    EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#1)");
+}
+
+TEST(HostStringWithout, AnythingToReadItByIsEmptyInUTF16Too) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("StringGetCString");
+    scene.host.services().hide("REALLoadGlobalMethod");
+    NSString *result = scene.convertBytes("abc", host::encoding::utf16);
+    ASSERT_NE(result, nil);
+    EXPECT_EQ(unitsOf(result), u"");
+    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithCharacters(nil, 0)"));
+}
+
+// Bytes and count come from two places; neither is second-guessed for what the other lacks.
+TEST(HostStringWithout, BytesPassesTheirCountOn) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("StringGetCString");
+    scene.creation.answer(nullptr);
+    EXPECT_EQ(scene.convertBytes("abcd", host::encoding::utf8), nil);
+    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(nil, 4, 0x08000100, true)"));
+    EXPECT_EQ(scene.convertBytes("abcd", host::encoding::utf16), nil);
+    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithCharacters(nil, 2)"));
+}
+
+TEST(HostStringWithout, LenBIsEmpty) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.hideMethod("LenB(s as string) as integer");
+    NSString *result = scene.convertBytes("abc", host::encoding::utf8);
+    ASSERT_NE(result, nil);
+    EXPECT_EQ(unitsOf(result), u"");
+    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(\"\", 0, 0x08000100, true)"));
+}
+
+TEST(HostStringWithout, LenBLooksForItAgain) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.hideMethod("LenB(s as string) as integer");
+    scene.convertBytes("abc", host::encoding::utf8);
+    EXPECT_THAT(scene.host.calls(), Contains(missLenB));
+    scene.host.showMethod("LenB(s as string) as integer");
+    scene.host.clearTrace();
+    EXPECT_EQ(unitsOf(scene.convert(scene.string)), u"abc");
+    EXPECT_THAT(scene.host.calls(), Contains(findLenB));
+}
+
+TEST(HostStringWithout, REALLoadGlobalMethodLooksForItAgain) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("REALLoadGlobalMethod");
+    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"");
+    scene.host.services().restore("REALLoadGlobalMethod");
+    EXPECT_EQ(unitsOf(scene.convert(scene.string)), u"abc");
+    EXPECT_EQ(scene.host.services().lookups("REALLoadGlobalMethod"), 2u);
+}
+
+namespace {
+
+enum class Place { bytes, methodLoading, length, creation };
+enum class Kind { cocoa, standard };
+
+struct Way {
+    const char *name;
+    Place place;
+    Kind kind;
+    std::uint32_t encoding;
+};
+
+void throwOf(Kind kind) {
+    if (kind == Kind::standard)
+        throw std::runtime_error("on the way");
+    refusing("way")("way");
+}
+
+Kind kindOfLength;
+std::int64_t throwingLength(host::StringHandle) {
+    throwOf(kindOfLength);
+    return 0;
+}
+void *loadThrowingLength(void *, const char *) {
+    return reinterpret_cast<void *>(throwingLength);
+}
+
+class HostStringLeft : public testing::TestWithParam<Way> {
+protected:
+    void arrange() {
+        const Kind kind = GetParam().kind;
+        switch (GetParam().place) {
+        case Place::bytes:
+            return scene.host.services().fail("StringGetCString", [kind] { throwOf(kind); });
+        case Place::methodLoading:
+            return scene.host.services().fail("REALLoadGlobalMethod", [kind] { throwOf(kind); });
+        case Place::length:
+            kindOfLength = kind;
+            return scene.host.services().replace("REALLoadGlobalMethod", loadThrowingLength);
+        case Place::creation:
+            return scene.creation.before([kind] { throwOf(kind); });
+        }
+    }
+
+    HostStringScene scene;
+};
+
+std::vector<Way> everyWay() {
+    constexpr std::pair<Place, const char *> places[] = {{Place::bytes, "Bytes"},
+                                                         {Place::methodLoading, "MethodLoading"},
+                                                         {Place::length, "Length"},
+                                                         {Place::creation, "Creation"}};
+    std::vector<Way> ways;
+    for (const auto &[place, name] : places)
+        for (const Kind kind : {Kind::cocoa, Kind::standard})
+            for (const std::uint32_t encoding :
+                 {host::encoding::utf8, host::encoding::utf16, host::encoding::unknown})
+                ways.push_back({name, place, kind, encoding});
+    return ways;
+}
+
+std::string nameOf(const testing::TestParamInfo<Way> &tested) {
+    const Way &way = tested.param;
+    return std::string(way.name) + (way.kind == Kind::cocoa ? "Cocoa" : "Standard") +
+           (way.encoding == host::encoding::utf8    ? "UTF8"
+            : way.encoding == host::encoding::utf16 ? "UTF16"
+                                                    : "WithoutEncoding");
+}
+
+} // namespace
+
+TEST_P(HostStringLeft, ByAnExceptionIsUnlocked) {
+    scene.handOutNoCFString();
+    arrange();
+    const auto convert = [this] { scene.convertBytes("abcd", GetParam().encoding); };
+    if (GetParam().kind == Kind::cocoa)
+        EXPECT_EQ(cocoaExceptionFrom(convert), "Refused: way");
+    else
+        EXPECT_EQ(standardExceptionFrom(convert), "on the way");
+    EXPECT_THAT(scene.host.calls(), Contains("REALLockString(String#1)"));
+    EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#1)");
+    EXPECT_EQ(scene.host.references(scene.string.handle()), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(At, HostStringLeft, testing::ValuesIn(everyWay()), nameOf);
+
+TEST(HostStringNotYetLocked, LeavesNothingToUnlock) {
+    HostStringScene scene;
+    for (const char *service :
+         {"REALGetStringEncoding", "REALGetStringCFString", "REALLockString"}) {
+        SCOPED_TRACE(service);
+        scene.handOutNoCFString();
+        scene.host.services().fail(service, [] { throw std::runtime_error("on the way"); });
+        EXPECT_EQ(standardExceptionFrom([&] { scene.convertBytes("abc", host::encoding::utf8); }),
+                  "on the way");
+        scene.host.services().restore(service);
+        EXPECT_EQ(scene.host.references(scene.string.handle()), 1);
+    }
+    EXPECT_EQ(scene.host.services().calls("REALUnlockString"), 0u);
+}
+
+TEST(HostStringThatCannotBeUnlocked, LetsTheExceptionOut) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.creation.answer(nullptr);
+    scene.host.services().fail("REALUnlockString", [] { throw std::runtime_error("on the way"); });
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertBytes("abc", host::encoding::utf8); }),
+              "on the way");
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released")));
+}

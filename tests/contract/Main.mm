@@ -1,0 +1,37 @@
+#include "ImageUnderTest.h"
+
+#include "host/Cocoa.h"
+
+#include <gmock/gmock.h>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+static std::filesystem::path image;
+
+const std::filesystem::path &imageUnderTest() {
+    return image;
+}
+
+void *imageFunction(host::Image &loaded, std::string_view name) {
+    if (void *address = loaded.symbolDemangled(name))
+        return address;
+    throw std::runtime_error("the image has no function " + std::string(name));
+}
+
+int main(int argc, char **argv) {
+    host::startFoundation(argc, argv, environ);
+    const host::AutoreleasePool pool;
+    testing::InitGoogleMock(&argc, argv);
+
+    constexpr std::string_view option = "--image=";
+    for (int i = 1; i < argc; ++i)
+        if (std::string_view(argv[i]).starts_with(option))
+            image = argv[i] + option.size();
+    if (image.empty() && !GTEST_FLAG_GET(list_tests)) {
+        std::cerr << "usage: " << argv[0] << " --image=FILE [GoogleTest options]\n";
+        return 2;
+    }
+    return RUN_ALL_TESTS();
+}
