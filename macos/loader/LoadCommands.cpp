@@ -13,7 +13,7 @@ namespace {
 namespace format = llvm::MachO;
 
 constexpr std::uint64_t pageSize = 4096;
-constexpr std::uint64_t largestImage = 1ULL << 30;
+constexpr std::uint64_t largestImage = 1ULL << 30; // far beyond any bundle; a bound for damage
 
 struct Command {
     std::uint32_t index = 0;
@@ -38,7 +38,7 @@ std::string fixedName(const char (&name)[16]) {
     return {name, strnlen(name, sizeof name)};
 }
 
-/// Reads one file's commands into `result`, in the order in which they stand.
+/// Reads one file's commands in the order in which they stand.
 class CommandReader {
 public:
     CommandReader(Bytes file, const Reporter &reporter) : file_(file), reporter_(reporter) {}
@@ -242,7 +242,8 @@ void CommandReader::readSection(const Segment &segment, std::uint64_t address,
                  " of its segment, which has " + hex(segment.content.size()) +
                  " bytes in the file");
         section.content = segment.content.subspan(inSegment, record.size);
-        if (record.size != 0 && section.content.data() != file_.data() + record.offset)
+        const auto inFile = static_cast<std::uint64_t>(section.content.data() - file_.data());
+        if (record.size != 0 && inFile != record.offset)
             fail("section " + section.name + " is at " + hex(record.offset) +
                  " of the file, which is not where its address is mapped from");
     }

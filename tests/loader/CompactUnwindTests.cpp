@@ -1,0 +1,181 @@
+#include "tests/loader/UnwindSections.h"
+
+#include "macos/loader/DwarfCode.h"
+#include "macos/loader/LoadError.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+namespace dwarf = macho::dwarf;
+
+std::string translationError(const ByteString &section) {
+    try {
+        translate(section);
+        return "translated";
+    } catch (const macho::LoadError &error) {
+        return error.what();
+    }
+}
+
+/// The instructions that an encoding of a function at 0x1000 is translated to.
+std::vector<std::uint8_t> instructionsOf(std::uint32_t encoding,
+                                         const ByteString &text = ByteString(textSize)) {
+    const auto table = translate(Section().withRegularPage({{0x1000, encoding}}), {}, text);
+    return table.records.at(0).instructions;
+}
+
+std::string encodingError(std::uint32_t encoding) {
+    return translationError(Section().withRegularPage({{0x1000, encoding}}));
+}
+
+TEST(CompactUnwind, functionsEndWhereTheNextOneStarts) {
+    const auto table = translate(Section().withRegularPage(
+        {{0x1000, 0x02010000}, {0x1010, 0}, {0x1020, 0x02020000}, {0x1100, 0x02030000}}));
+    ASSERT_EQ(table.records.size(), 3U); // the second one needs no record
+    EXPECT_EQ(table.records[0].start, 0x1000U);
+    EXPECT_EQ(table.records[0].end, 0x1010U);
+    EXPECT_EQ(table.records[1].start, 0x1020U);
+    EXPECT_EQ(table.records[1].end, 0x1100U);
+    EXPECT_EQ(table.records[2].end, 0x2000U); // the end of all
+    EXPECT_EQ(table.records[2].instructions, frame(dwarf::rsp, 24, {}));
+}
+
+TEST(CompactUnwind, compressedPagesTakeEncodingsFromTheSectionOrThePage) {
+    Section section;
+    section.commonEncodings = {0x02010000, 0x02020000};
+    const auto table = translate(section.withCompressedPage(
+        {{0, 1}, {0x10, 0}, {0x20, 2}, {0x30, 3}}, {0x02030000, 0x02040000}));
+    ASSERT_EQ(table.records.size(), 4U);
+    EXPECT_EQ(table.records[0].instructions, frame(dwarf::rsp, 16, {}));
+    EXPECT_EQ(table.records[1].instructions, frame(dwarf::rsp, 8, {}));
+    EXPECT_EQ(table.records[2].instructions, frame(dwarf::rsp, 24, {}));
+    EXPECT_EQ(table.records[3].instructions, frame(dwarf::rsp, 32, {}));
+    EXPECT_EQ(table.records[3].start, 0x1030U);
+    EXPECT_THAT(translationError(section.withCompressedPage({{0, 2}}, {})),
+                HasSubstr("has no encoding 2"));
+}
+
+TEST(CompactUnwind, framesWithAPointer) {
+    EXPECT_EQ(instructionsOf(0x01000000), frame(dwarf::rbp, 16, {{dwarf::rbp, 2}}));
+    // rbx, r12, r13, r14, r15 from the lowest address on, five words below rbp.
+    EXPECT_EQ(instructionsOf(0x01050000 | 1 | 2 << 3 | 3 << 6 | 4 << 9 | 5 << 12),
+              frame(dwarf::rbp, 16,
+                    {{dwarf::rbp, 2},
+                     {dwarf::rbx, 7},
+                     {dwarf::r12, 6},
+                     {dwarf::r13, 5},
+                     {dwarf::r14, 4},
+                     {dwarf::r15, 3}}));
+    // Empty slots take their place.
+    EXPECT_EQ(instructionsOf(0x01040000 | 0 | 4 << 3 | 0 << 6 | 1 << 9),
+              frame(dwarf::rbp, 16, {{dwarf::rbp, 2}, {dwarf::r14, 5}, {dwarf::rbx, 3}}));
+    EXPECT_EQ(instructionsOf(0x01ff0000 | 1),
+              frame(dwarf::rbp, 16, {{dwarf::rbp, 2}, {dwarf::rbx, 257}}));
+}
+
+TEST(CompactUnwind, framesWithoutAPointer) {
+    EXPECT_EQ(instructionsOf(0x02010000), frame(dwarf::rsp, 8, {}));
+    EXPECT_EQ(instructionsOf(0x02ff0000), frame(dwarf::rsp, 2040, {}));
+    // One register: its number less one.
+    const std::uint8_t registers[] = {dwarf::rbx, dwarf::r12, dwarf::r13,
+                                      dwarf::r14, dwarf::r15, dwarf::rbp};
+    for (std::uint32_t i = 0; i < 6; ++i)
+        EXPECT_EQ(instructionsOf(0x02020400 | i), frame(dwarf::rsp, 16, {{registers[i], 2}}));
+    // Six: the first permutation is in the order of the numbers, the last one in reverse.
+    EXPECT_EQ(instructionsOf(0x02081800), frame(dwarf::rsp, 64,
+                                                {{dwarf::rbx, 7},
+                                                 {dwarf::r12, 6},
+                                                 {dwarf::r13, 5},
+                                                 {dwarf::r14, 4},
+                                                 {dwarf::r15, 3},
+                                                 {dwarf::rbp, 2}}));
+    EXPECT_EQ(instructionsOf(0x02081800 | 719), frame(dwarf::rsp, 64,
+                                                      {{dwarf::rbp, 7},
+                                                       {dwarf::r15, 6},
+                                                       {dwarf::r14, 5},
+                                                       {dwarf::r13, 4},
+                                                       {dwarf::r12, 3},
+                                                       {dwarf::rbx, 2}}));
+    // r15, rbx, r14: fifth of six, first of what is left, third of what is left then.
+    EXPECT_EQ(instructionsOf(0x02050c00 | (4 * 20 + 0 * 4 + 2)),
+              frame(dwarf::rsp, 40, {{dwarf::r15, 4}, {dwarf::rbx, 3}, {dwarf::r14, 2}}));
+}
+
+TEST(CompactUnwind, stackSizesInTheCode) {
+    // "sub rsp, 0x12345" with its operand seven bytes into the function; two words are pushed.
+    ByteString text(textSize);
+    set<std::uint32_t>(text, 0x1007, 0x12345 * 8);
+    EXPECT_EQ(instructionsOf(0x03000000 | 7 << 16 | 2 << 13 | 1 << 10, text),
+              frame(dwarf::rsp, 0x12345 * 8 + 16, {{dwarf::rbx, 2}}));
+}
+
+TEST(CompactUnwind, functionsKnowTheirPersonalityAndHandlerTable) {
+    Section section;
+    section.personalities = {0x9000, 0x9008};
+    section.handlerTables = {{0x1000, 0x5000}, {0x1020, 0x5010}};
+    const auto table = translate(section.withRegularPage(
+        {{0x1000, 0x51000000}, {0x1010, 0x01000000}, {0x1020, 0x61000000}}));
+    ASSERT_EQ(table.records.size(), 3U);
+    EXPECT_EQ(table.records[0].personalitySlot, 0x9000U);
+    EXPECT_EQ(table.records[0].languageData, 0x5000U);
+    EXPECT_EQ(table.records[1].personalitySlot, 0U);
+    EXPECT_EQ(table.records[1].languageData, 0U);
+    EXPECT_EQ(table.records[2].personalitySlot, 0x9008U);
+    EXPECT_EQ(table.records[2].languageData, 0x5010U);
+}
+
+TEST(CompactUnwind, whatMakesNoSenseIsAnError) {
+    EXPECT_THAT(encodingError(0x01010000 | 6), HasSubstr("does not describe a frame"));
+    EXPECT_THAT(encodingError(0x01010000 | 1 << 3), HasSubstr("does not describe a frame"));
+    EXPECT_THAT(encodingError(0x02020400 | 6), HasSubstr("does not describe saved registers"));
+    EXPECT_THAT(encodingError(0x02ff1c00), HasSubstr("does not describe a stack"));
+    EXPECT_THAT(encodingError(0x02010400), HasSubstr("does not describe a stack"));
+    EXPECT_THAT(encodingError(0x02000000), HasSubstr("does not describe a stack"));
+    EXPECT_THAT(encodingError(0x05000000), HasSubstr("is of no known mode"));
+    EXPECT_THAT(encodingError(0x11000000), HasSubstr("names personality 1"));
+    EXPECT_THAT(encodingError(0x41000000), HasSubstr("has no handler table"));
+    EXPECT_THAT(encodingError(0x04000010), HasSubstr("has no record in __TEXT,__eh_frame"));
+}
+
+TEST(CompactUnwind, whatLiesOutsideIsAnError) {
+    Section section;
+    section.personalities = {imageSize - 4};
+    EXPECT_THAT(translationError(section.withRegularPage({{0x1000, 0x11000000}})),
+                HasSubstr("lies outside the image"));
+    section.personalities = {0x9000};
+    section.handlerTables = {{0x1000, imageSize}};
+    EXPECT_THAT(translationError(section.withRegularPage({{0x1000, 0x51000000}})),
+                HasSubstr("lies outside the image"));
+    section.handlerTables.clear();
+    section.end = textSize + 1;
+    EXPECT_THAT(translationError(section.withRegularPage({{0x1000, 0x01000000}})),
+                HasSubstr("lies outside the code"));
+    section.end = 0x1000;
+    EXPECT_THAT(translationError(section.withRegularPage({{0x1000, 0x01000000}})),
+                HasSubstr("stands behind"));
+    section.end = 0x2000;
+    EXPECT_THAT(
+        translationError(section.withRegularPage({{0x1000, 0x01000000}, {0x0fff, 0x01000000}})),
+        HasSubstr("stands behind"));
+    section.end = textSize;
+    EXPECT_THAT(translationError(section.withRegularPage({{textSize - 1, 0x03ff0000}})),
+                HasSubstr("outside the code"));
+}
+
+TEST(CompactUnwind, cutAnywhereIsAnErrorOrAnEnd) {
+    Section section;
+    section.commonEncodings = {0x51000000};
+    section.personalities = {0x9000};
+    section.handlerTables = {{0x1000, 0x5000}};
+    const auto whole = section.withCompressedPage({{0, 0}, {0x10, 1}}, {0x02010000});
+    EXPECT_EQ(translationError(whole), "translated");
+    for (std::size_t end = 0; end < whole.size(); ++end)
+        EXPECT_THAT(translationError(cut(whole, end)), EndsWith("lies outside the section")) << end;
+}
+
+} // namespace

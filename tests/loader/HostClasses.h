@@ -1,0 +1,56 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+// What the images in images/ expect of the program that loads them, and what its tests share.
+
+struct Large {
+    double values[6];
+};
+
+struct Pair {
+    double first, second;
+};
+
+struct Words {
+    long first, second;
+};
+
+/// Answered in two registers of the floating-point unit, which no class of C++ is.
+__extension__ typedef _Complex long double ComplexLongDouble;
+
+@interface TestAnswerer : NSObject
++ (int)classAnswer;
+- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(int)g h:(int)h;
+- (double)productOf:(double)a
+                  b:(double)b
+                  c:(double)c
+                  d:(double)d
+                  e:(double)e
+                  f:(double)f
+                  g:(double)g
+                  h:(double)h
+                  i:(double)i;
+- (double)mix:(int)a b:(double)b c:(float)c d:(long)d e:(char)e f:(struct Large)f;
+- (signed char)smallAnswer;
+- (float)floatAnswer;
+- (long double)longDoubleAnswer;
+- (ComplexLongDouble)complexAnswer;
+- (struct Large)largeAnswer:(double)scale;
+- (struct Pair)pairAnswer;
+- (struct Words)wordsAnswer;
+- (id)join:(NSString *)format, ...;
+- (id)autoreleasedAnswer;
+@end
+
+/// An exception that counts how many of its kind live.
+@interface CountedException : NSException
++ (int)living;
++ (CountedException *)make; // owned by the caller
+@end
+
+/// How often +initialize of TestAnswerer has run.
+int answererInitialisations();
+
+/// How many TestAnswerers live.
+int livingAnswerers();

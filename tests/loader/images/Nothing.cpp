@@ -1,0 +1,3 @@
+extern "C" int nothing() {
+    return 0;
+}

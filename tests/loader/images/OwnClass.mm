@@ -1,0 +1,7 @@
+#import <Foundation/Foundation.h>
+
+@interface OwnClass : NSObject
+@end
+
+@implementation OwnClass
+@end
