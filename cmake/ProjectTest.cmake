@@ -7,5 +7,5 @@ function(project_test NAME)
     target_link_libraries(${NAME} PRIVATE project_warnings GTest::gmock GTest::gtest_main)
     # The images under test resolve the platform's names in the program that loads them.
     set_target_properties(${NAME} PROPERTIES ENABLE_EXPORTS ON)
-    gtest_discover_tests(${NAME} TEST_PREFIX ${NAME}/ DISCOVERY_MODE PRE_TEST)
+    gtest_discover_tests(${NAME} TEST_PREFIX ${NAME}/ NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST)
 endfunction()
