@@ -1,11 +1,12 @@
 // zkthost: loads a plug-in into the reference host and shows what it gives to programs.
 //
 // Exit status: 0 fine; 1 the plug-in misbehaved (violations, leaks, a foreign exception);
-// 2 the input cannot be worked with (one line on stderr).
+// 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception.
 
 #include "host/Cocoa.h"
 #include "host/Description.h"
 #include "host/Host.h"
+#include "host/zkthost/Call.h"
 #include "host/zkthost/ForeignExceptions.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Report.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-enum Status { fine = 0, misbehaved = 1, badInput = 2 };
+enum Status { fine = 0, misbehaved = 1, badInput = 2, raisedException = 3 };
 
 void print(std::FILE *stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
@@ -59,6 +60,18 @@ host::Image &load(host::Host &host, const zkthost::Options &options) {
     }
 }
 
+Status call(host::Host &host, const std::string &expression) {
+    const zkthost::CallResult result = zkthost::evaluate(host, expression);
+    host.shutDown();
+    if (!result.raised)
+        print(stdout, result.text + '\n');
+    const Status status = verdict(host);
+    if (!result.raised)
+        return status;
+    complain(result.text, raisedException);
+    return status == fine ? raisedException : status;
+}
+
 Status run(host::Host &host, const zkthost::Options &options) {
     host::Image &image = load(host, options);
     if (options.command == zkthost::Command::describe) {
@@ -66,6 +79,8 @@ Status run(host::Host &host, const zkthost::Options &options) {
         host.shutDown();
         return verdict(host);
     }
+    if (options.command == zkthost::Command::call)
+        return call(host, options.expression);
     const zkthost::Report report = zkthost::makeReport(host, image);
     host.shutDown();
     const host::Account account = host.account();

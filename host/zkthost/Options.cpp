@@ -82,6 +82,12 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
     describe->add_option("--format", format, "text, json or markdown");
     CLI::App *report = app.add_subcommand("report", "Every property of this process");
     report->add_option("--format", format, "text or json");
+    CLI::App *call = app.add_subcommand(
+        "call", "One member of the shared object: 'argument(0)', 'processName = \"x\"', "
+                "'beginActivity(&hFF, \"work\").Options', 'New NSProcessInfoActivityZKT.Handle'");
+    call->add_option("expression", options.expression, "What to evaluate")
+        ->type_name("EXPRESSION")
+        ->required();
 
     try {
         app.parse(argc, argv);
@@ -92,8 +98,11 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
         throw InputError(std::string(error.what()) + " (zkthost --help lists what there is)");
     }
     if (app.get_subcommands().empty())
-        throw InputError("no command: describe or report (zkthost --help lists what there is)");
-    options.command = describe->parsed() ? Command::describe : Command::report;
+        throw InputError(
+            "no command: describe, report or call (zkthost --help lists what there is)");
+    options.command = describe->parsed() ? Command::describe
+                      : call->parsed()   ? Command::call
+                                         : Command::report;
     const auto &formats = describe->parsed() ? describeFormats : reportFormats;
     const auto chosen = formats.find(format);
     if (chosen == formats.end())

@@ -13,7 +13,7 @@
 
 namespace zkthost {
 
-enum class Command { describe, report };
+enum class Command { describe, report, call };
 
 struct Options {
     Command command = Command::report;
@@ -22,6 +22,7 @@ struct Options {
     bool imageIsDefault = true;
     host::HostOptions host = {};
     std::vector<std::string> withoutServices = {};
+    std::string expression = {}; ///< of call
 };
 
 /// Input that cannot be worked with: one line for the user.

@@ -107,7 +107,7 @@ ReportRow rowOf(std::string name, std::string type, const Outcome &outcome) {
         row.exception = faultOf(*outcome.exception);
         row.text = *row.exception;
     } else {
-        row.text = textOf(outcome.value);
+        row.text = row.type.empty() ? "done" : textOf(outcome.value); // no type: a procedure
         row.value = jsonOf(outcome.value);
     }
     return row;
@@ -126,6 +126,34 @@ void writeRows(llvm::json::OStream &json, const char *title, const std::vector<R
     });
 }
 
+std::vector<ReportRow> argumentsOf(Host &host, const ObjectRef &info) {
+    const Outcome outcome = host.call(info, "arguments");
+    if (outcome.raised() || outcome.isNil())
+        return {rowOf("arguments", "String()", outcome)};
+    std::vector<ReportRow> rows;
+    for (const Value &argument : arrayElements(outcome.object()))
+        rows.push_back(rowOf("argument " + std::to_string(rows.size()), "String",
+                             Outcome{.value = argument, .exception = {}}));
+    return rows;
+}
+
+/// Begins an activity, looks at it, ends it and looks again.
+std::vector<ReportRow> activityOf(Host &host, const ObjectRef &info) {
+    const std::int64_t options = host.constant(className, "NSActivityBackground");
+    const Outcome begun = host.call(info, "beginActivity", {options, Value("showing an activity")});
+    std::vector<ReportRow> rows{rowOf("beginActivity", "NSProcessInfoActivityZKT", begun)};
+    if (begun.raised() || begun.isNil())
+        return rows;
+    const ObjectRef activity = begun.object();
+    for (const Property &property : host.classes().find(host.className(activity))->properties)
+        rows.push_back(
+            rowOf(property.name, describe(property.type), host.get(activity, property.name)));
+    const Outcome ended = host.call(info, "endActivity", {activity});
+    rows.push_back(rowOf("endActivity", "", ended));
+    rows.push_back(rowOf("Handle", "Integer", host.get(activity, "Handle")));
+    return rows;
+}
+
 } // namespace
 
 Report makeReport(Host &host, const Image &image) {
@@ -137,11 +165,15 @@ Report makeReport(Host &host, const Image &image) {
                   .format = image.format() == ImageFormat::machO ? "Mach-O" : "ELF",
                   .hostVersion = host.options().version,
                   .interfaceVersion = host.interfaceVersion(),
-                  .processInfo = rowOf("", "", shared).text};
-    if (!shared.raised() && !shared.isNil())
+                  .processInfo = rowOf("", std::string(className), shared).text};
+    if (!shared.raised() && !shared.isNil()) {
+        const ObjectRef info = shared.object();
         for (const Property &property : type->properties)
-            report.properties.push_back(rowOf(property.name, describe(property.type),
-                                              host.get(shared.object(), property.name)));
+            report.properties.push_back(
+                rowOf(property.name, describe(property.type), host.get(info, property.name)));
+        report.arguments = argumentsOf(host, info);
+        report.activity = activityOf(host, info);
+    }
     for (const Method &method : type->sharedMethods)
         if (!sameName(method.parsed.name, sharedObject))
             report.shared.push_back(rowOf(method.parsed.name, typeOf(method),
@@ -158,7 +190,8 @@ std::string reportAsText(const Report &report, bool colours) {
     const std::string plain = colours ? "\033[0m" : "";
     std::size_t nameWidth = 0;
     std::size_t typeWidth = 0;
-    for (const auto *rows : {&report.properties, &report.shared, &report.constants})
+    for (const auto *rows : {&report.properties, &report.arguments, &report.activity,
+                             &report.shared, &report.constants})
         for (const ReportRow &row : *rows) {
             nameWidth = std::max(nameWidth, row.name.size());
             typeWidth = std::max(typeWidth, row.type.size());
@@ -177,6 +210,8 @@ std::string reportAsText(const Report &report, bool colours) {
                     printable(row.text) + "\n";
     };
     addRows("Properties", report.properties);
+    addRows("Arguments", report.arguments);
+    addRows("An activity, begun and ended", report.activity);
     addRows("Shared methods", report.shared);
     addRows("Constants", report.constants);
     return text;
@@ -195,6 +230,8 @@ std::string reportAsJson(const Report &report, const Account &account) {
         json.attribute("interfaceVersion", report.interfaceVersion);
         json.attribute(sharedObject, llvm::json::fixUTF8(report.processInfo));
         writeRows(json, "properties", report.properties);
+        writeRows(json, "arguments", report.arguments);
+        writeRows(json, "activity", report.activity);
         writeRows(json, "sharedMethods", report.shared);
         writeRows(json, "constants", report.constants);
         json.attributeObject("account", [&] {

@@ -28,6 +28,8 @@ struct Report {
     std::int32_t interfaceVersion = 0;
     std::string processInfo;                ///< what the shared method gave
     std::vector<ReportRow> properties = {}; ///< of that object, in table order
+    std::vector<ReportRow> arguments = {};  ///< of the process, by index
+    std::vector<ReportRow> activity = {};   ///< one that was begun and ended for the report
     std::vector<ReportRow> shared = {};     ///< the other shared methods
     std::vector<ReportRow> constants = {};
 };

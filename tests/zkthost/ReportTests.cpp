@@ -78,6 +78,31 @@ TEST_P(Report, IsAboutThisMachine) {
     EXPECT_EQ(property(report, "thermalState").getAsInteger(), 0);
 }
 
+TEST_P(Report, ShowsTheArgumentsOfTheProcess) {
+    const auto report = json();
+    const auto &rows = arrayMember(report, "arguments");
+    ASSERT_EQ(rows.size(), 6u);
+    EXPECT_EQ(stringMember(rows[1], "value"), "report");
+    EXPECT_EQ(stringMember(rows[2], "value"), "--format");
+    EXPECT_EQ(stringMember(rows[3], "value"), "json");
+    EXPECT_EQ(stringMember(rows[4], "value"), "--image");
+    EXPECT_EQ(stringMember(rows[5], "value"), GetParam().path);
+}
+
+TEST_P(Report, ShowsAnActivityThatWasBegunAndEnded) {
+    const auto report = json();
+    const auto &rows = arrayMember(report, "activity");
+    ASSERT_EQ(rows.size(), 6u);
+    EXPECT_EQ(stringMember(rows[0], "type"), "NSProcessInfoActivityZKT");
+    EXPECT_EQ(stringMember(rows[1], "name"), "Handle");
+    EXPECT_NE(integerMember(rows[1], "value"), 0);
+    EXPECT_EQ(stringMember(rows[2], "value"), "showing an activity");
+    EXPECT_EQ(integerMember(rows[3], "value"), 255);
+    EXPECT_EQ(stringMember(rows[4], "name"), "endActivity");
+    EXPECT_EQ(stringMember(rows[5], "name"), "Handle");
+    EXPECT_EQ(integerMember(rows[5], "value"), 0);
+}
+
 TEST_P(Report, ShowsTheNotificationsName) {
     constexpr const char *name = "NSProcessInfoThermalStateDidChangeNotification";
     const auto report = json();
