@@ -51,6 +51,21 @@ TEST(EndActivity, AsksTheClassAfreshAtEachUse) {
     scene.substitute.answer({scene.shared});
 }
 
+TEST(EndActivity, KeepsNoSharedObjectForTheNextTime) {
+    ActivityScene scene;
+    const auto first = scene.begun(), second = scene.begun();
+    scene.end(first).result();
+    scene.host.clearTrace();
+    const Traced later("later");
+    scene.substitute.answer({later});
+    scene.end(second).result();
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]",
+                                                "[later respondsToSelector:endActivity:]",
+                                                "[NSProcessInfo processInfo]",
+                                                "[later endActivity:token]", "[token release]"));
+    scene.substitute.answer({scene.shared});
+}
+
 TEST(EndActivity, KeepsReasonAndOptions) {
     ActivityScene scene;
     const host::Value reason = "why";
@@ -211,6 +226,19 @@ TEST(DyingActivity, IsEnded) {
                 ElementsAre("[NSProcessInfo processInfo]", "[shared endActivity:token]",
                             "[token release]", "find REALUnlockString",
                             "REALUnlockString(String#1)"));
+}
+
+TEST(DyingActivity, KeepsNoSharedObjectForTheNextOne) {
+    ActivityScene scene;
+    auto first = scene.begun(255, {}), second = scene.begun(255, {});
+    scene.host.release(std::move(first)).result();
+    scene.host.clearTrace();
+    const Traced later("later");
+    scene.substitute.answer({later});
+    scene.host.release(std::move(second)).result();
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]",
+                                                "[later endActivity:token]", "[token release]"));
+    scene.substitute.answer({scene.shared});
 }
 
 TEST(DyingActivity, LeavesTokenAndReasonAsTheyWere) {

@@ -117,6 +117,23 @@ TEST(BeginActivity, AsksTheClassAfreshAtEachUse) {
     scene.substitute.answer({scene.shared});
 }
 
+TEST(BeginActivity, KeepsNoSharedObjectForTheNextTime) {
+    ActivityScene scene;
+    const auto first = scene.begun(1, {});
+    const Traced later("later");
+    later->activity = scene.token;
+    scene.substitute.answer({later});
+    const auto second = scene.begin(2, {}).object();
+    EXPECT_THAT(
+        scene.host.calls(),
+        ElementsAre("[NSProcessInfo processInfo]",
+                    "[later respondsToSelector:beginActivityWithOptions:reason:]",
+                    "PluginNewInstance(\"NSProcessInfoActivityZKT\") = NSProcessInfoActivityZKT#3",
+                    "[NSProcessInfo processInfo]", "[later beginActivityWithOptions:2 reason:nil]",
+                    "[token retain]"));
+    scene.substitute.answer({scene.shared});
+}
+
 TEST(BeginActivity, NeverReadsTheInstancesOwnObject) {
     ActivityScene scene;
     const Traced own("own");

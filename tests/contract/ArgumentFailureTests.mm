@@ -202,6 +202,14 @@ TEST(ArgumentRefused, InAnotherWayThanCocoasLetsItPass) {
     EXPECT_THAT(scene.host.calls(), Each(Not(HasSubstr("RuntimeRaiseException"))));
 }
 
+TEST(ArgumentsCountRefused, IsZero) {
+    ArgumentScene scene({@"a"});
+    scene.list->onMessage = refusing("count");
+    const host::Outcome outcome = scene.host.get(scene.info, "argumentsCount");
+    expectRefusal(outcome, "count");
+    EXPECT_EQ(outcome.value.integer(), 0);
+}
+
 TEST(ArgumentWithout, StringBuildingIsNil) {
     ArgumentScene scene({@"a"});
     scene.host.services().hide("REALBuildString");

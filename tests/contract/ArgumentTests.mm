@@ -232,6 +232,19 @@ TEST(Argument, WithoutTextIsNil) {
     EXPECT_TRUE(scene.argument(0).isNil());
 }
 
+TEST(ArgumentsCount, IsThatOfTheList) {
+    ArgumentScene scene({@"a", @"b"});
+    EXPECT_EQ(scene.host.get(scene.info, "argumentsCount").integer(), 2);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[own arguments]", "[list count]"));
+}
+
+TEST(ArgumentsCount, OfAnUnboundInstanceIsZero) {
+    LoadedPlugin loaded;
+    const auto info = loaded.host.newInstance(processInfoClass);
+    EXPECT_EQ(loaded.host.get(info, "argumentsCount").integer(), 0);
+    EXPECT_THAT(loaded.host.trace(), IsEmpty());
+}
+
 class ArgumentOutside : public testing::TestWithParam<std::int64_t> {};
 
 TEST_P(ArgumentOutside, RaisesFoundationsRangeException) {

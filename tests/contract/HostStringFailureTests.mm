@@ -257,10 +257,13 @@ TEST(HostStringThatCannotBeUnlocked, LetsTheExceptionOut) {
     HostStringScene scene;
     scene.handOutNoCFString();
     scene.creation.answer(nullptr);
-    scene.host.services().fail("REALUnlockString", [] { throw std::runtime_error("on the way"); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertBytes("abc", host::encoding::utf8); }),
-              "on the way");
+    const auto convert = [&] { scene.convertBytes("abc", host::encoding::utf8); };
+    scene.host.services().fail("REALUnlockString", [] { throwOf(Kind::standard); });
+    EXPECT_EQ(standardExceptionFrom(convert), "on the way");
+    scene.host.services().fail("REALUnlockString", [] { throwOf(Kind::cocoa); });
+    EXPECT_EQ(cocoaExceptionFrom(convert), "Refused: way");
     scene.host.shutDown();
     EXPECT_THAT(scene.host.violations(),
-                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released")));
+                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released"),
+                            testing::StartsWith("String#2 leaked, 1 reference never released")));
 }

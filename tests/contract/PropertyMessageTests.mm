@@ -212,6 +212,7 @@ TEST(ArgumentsCount, IsTheCountOfTheArrayAskedOnce) {
     const InstanceAround instance(loaded.host, object);
     EXPECT_EQ(loaded.host.get(instance, "argumentsCount").integer(), 3);
     EXPECT_THAT(array->answer.received, ElementsAre("count"));
+    EXPECT_THAT(object->received, ElementsAre("arguments"));
 }
 
 TEST(ArgumentsCount, IsZeroWithoutAnArray) {

@@ -66,6 +66,8 @@ TEST_P(CxxExceptions, areRethrownUnchanged) {
     EXPECT_EQ(count_, 12);
     count_ = 0;
     EXPECT_EQ(function<int(Callback, int *)>("rethrowsWithin")(throwOutOfRange, &count_), 111);
+    count_ = 0;
+    EXPECT_EQ(function<int(Callback, int *)>("rethrowsOutOfBoth")(throwOutOfRange, &count_), 102);
 }
 
 TEST_P(CxxExceptions, thrownByTheImageAreCaughtByIt) {

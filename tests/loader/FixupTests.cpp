@@ -126,7 +126,7 @@ TEST_F(Fixups, rebaseOnlyWhereAPointerMayBePatched) {
 TEST_F(Fixups, rebaseNoMoreThanThereIsRoomFor) {
     EXPECT_THAT(slots(rebases({0x11, 0x21, 0, 0x60, 16})), testing::SizeIs(16));
     // One place sixteen times, and once more.
-    const ByteString back = {0x38 & 0xf0, 0xf8, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 1};
+    const ByteString back = {0x30, 0xf8, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 1};
     ByteString opcodes = {0x11, 0x21, 0};
     for (int i = 0; i < 17; ++i) {
         opcodes.push_back(0x51);

@@ -159,6 +159,8 @@ TEST_P(ObjcExceptions, areRethrownByCxxHandlers) {
     EXPECT_EQ(count_, 12);
     count_ = 0;
     EXPECT_EQ(cxx_.function<int(Callback, int *)>("rethrowsWithin")(raise, &count_), 111);
+    count_ = 0;
+    EXPECT_EQ(cxx_.function<int(Callback, int *)>("rethrowsOutOfBoth")(raise, &count_), 102);
 }
 
 TEST_P(ObjcExceptions, nestWithCxxOnes) {
@@ -192,6 +194,7 @@ TEST_P(ObjcExceptions, areRethrownUnchanged) {
     EXPECT_STREQ([nameOfThrown([&] { rethrows(raise, &count_); }) UTF8String], "Raised");
     EXPECT_EQ(count_, 11);
     EXPECT_EQ(function<int(Callback)>("rethrowsObjectWithin")(raise), 111);
+    EXPECT_EQ(function<int(Callback)>("rethrowsObjectOutOfBoth")(raise), 102);
 }
 
 TEST_P(ObjcExceptions, thrownByTheImageAreCaughtByIt) {
@@ -234,6 +237,8 @@ TEST_P(ObjcExceptions, areReleasedAsOftenAsRetained) {
     thrown = object;
     const Callback throws = [] { @throw thrown; };
     function<int(Callback)>("rethrowsObjectWithin")(throws);
+    EXPECT_EQ([object retainCount], 1U);
+    function<int(Callback)>("rethrowsObjectOutOfBoth")(throws);
     EXPECT_EQ([object retainCount], 1U);
     cxx_.function<int(Callback, int *)>("rethrowsWithin")(throws, &count_);
     EXPECT_EQ([object retainCount], 1U);

@@ -121,6 +121,26 @@ int rethrowsWithin(Callback callback, int *count) {
     return *count;
 }
 
+// Rethrown out of two handlers at once.
+int rethrowsOutOfBoth(Callback callback, int *count) {
+    try {
+        try {
+            callback();
+        } catch (...) {
+            const CleanUp outer{count};
+            try {
+                throw;
+            } catch (...) {
+                const CleanUp inner{count};
+                throw;
+            }
+        }
+    } catch (...) {
+        *count += 100;
+    }
+    return *count;
+}
+
 int throwsOwn(int code) {
     throw OwnError(code);
 }

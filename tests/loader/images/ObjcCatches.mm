@@ -106,6 +106,27 @@ int rethrowsObjectWithin(Callback callback) {
     return seen;
 }
 
+// Rethrown out of two handlers at once.
+int rethrowsObjectOutOfBoth(Callback callback) {
+    int seen = 0;
+    @try {
+        @try {
+            callback();
+        } @catch (NSException *) {
+            const CleanUp outer{&seen};
+            @try {
+                @throw;
+            } @catch (id) {
+                const CleanUp inner{&seen};
+                @throw;
+            }
+        }
+    } @catch (NSException *) {
+        seen += 100;
+    }
+    return seen;
+}
+
 void throwsObject(id object) {
     @throw object;
 }
