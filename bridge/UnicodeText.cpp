@@ -47,7 +47,7 @@ REALstringStruct *buildEncodedString(const char *data, std::int64_t length,
 std::int64_t writeUTF16(const char *utf32, std::int64_t count, char16_t *units) {
     char16_t *end = units;
     for (std::int64_t i = 0; i < count; ++i) {
-        std::uint32_t c;
+        std::uint32_t c = 0;
         std::memcpy(&c, utf32 + 4 * i, sizeof c); // the text may stand at any address
         if (c <= 0xFFFF) {
             if ((c & ~0x7FFu) != 0xD800)

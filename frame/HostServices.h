@@ -7,7 +7,7 @@
 struct FSRef;
 struct HFSUniStr255;
 struct PluginClassRecord;
-struct __CFString;
+struct __CFString; // NOLINT(bugprone-reserved-identifier): Core Foundation's name
 
 // Gives the entry point of a host service by name, or null when the host lacks the service.
 using HostResolver = void *(*)(const char *serviceName);
@@ -18,7 +18,7 @@ inline constinit HostResolver hostResolver = nullptr;
 // A service's name and its entry point, once found.
 class HostServiceSlot {
 protected:
-    explicit constexpr HostServiceSlot(const char *name) : name_(name) {}
+    explicit constexpr HostServiceSlot(const char *name) noexcept : name_(name) {}
 
     // Asks the host. A null answer is stored like any other, so the next call asks again.
     [[gnu::noinline, gnu::cold]] void *lookUp() { return entryPoint_ = hostResolver(name_); }
@@ -36,7 +36,7 @@ class HostService;
 template <class Result, class... Arguments>
 class HostService<Result(Arguments...)> : HostServiceSlot {
 public:
-    explicit constexpr HostService(const char *name) : HostServiceSlot(name) {}
+    explicit constexpr HostService(const char *name) noexcept : HostServiceSlot(name) {}
 
     Result operator()(Arguments... arguments) {
         void *entryPoint = entryPoint_;
