@@ -78,7 +78,9 @@ TEST(BadFile, goodOneIsGood) {
 
 class CutFile : public testing::TestWithParam<const char *> {
 protected:
-    ByteString image() const { return readFile(imageFile(std::string(GetParam()) + "/Messages")); }
+    [[nodiscard]] ByteString image() const {
+        return readFile(imageFile(std::string(GetParam()) + "/Messages"));
+    }
 };
 INSTANTIATE_TEST_SUITE_P(, CutFile, testing::ValuesIn(allVariants), variantName);
 

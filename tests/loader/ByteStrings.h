@@ -45,7 +45,7 @@ public:
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
-    const std::filesystem::path &path() const { return path_; }
+    [[nodiscard]] const std::filesystem::path &path() const { return path_; }
 
 private:
     std::filesystem::path path_;

@@ -135,6 +135,7 @@ TEST_P(CxxExceptions, areHandledByThreadsAtTheSameTime) {
     const auto catches = function<int(Callback, int *)>("catchesByBase");
     const auto within = function<int(Callback, Callback)>("catchesWithin");
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
             int count = 0;

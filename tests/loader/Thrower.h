@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 /// Native functions that throw and catch C++ exceptions, also for tests in files that deal with
@@ -9,7 +10,7 @@ void throwOutOfRange();
 void throwInteger();    // 42
 void catchInternally(); // throws and catches, to the outside nothing happens
 
-enum class Outcome { returned, outOfRange, logicError, exception, integer, other };
+enum class Outcome : std::uint8_t { returned, outOfRange, logicError, exception, integer, other };
 
 /// What comes out of `body`, which is caught.
 Outcome outcomeOf(const std::function<void()> &body);

@@ -25,7 +25,7 @@ struct Section {
     std::uint32_t end = 0x2000;
     std::uint32_t firstFunction = 0x1000;
 
-    ByteString withRegularPage(const Entries &entries) const {
+    [[nodiscard]] ByteString withRegularPage(const Entries &entries) const {
         auto section = front();
         append<std::uint32_t>(section, 2);
         append<std::uint16_t>(section, 8);
@@ -38,7 +38,8 @@ struct Section {
     }
 
     /// Entries give the distance from the first function and the number of an encoding.
-    ByteString withCompressedPage(const Entries &entries, const Words &encodings) const {
+    [[nodiscard]] ByteString withCompressedPage(const Entries &entries,
+                                                const Words &encodings) const {
         auto section = front();
         append<std::uint32_t>(section, 3);
         append<std::uint16_t>(section, 12);
@@ -53,7 +54,7 @@ struct Section {
     }
 
 private:
-    ByteString front() const {
+    [[nodiscard]] ByteString front() const {
         ByteString section;
         const auto word = [&](std::size_t value) {
             append(section, static_cast<std::uint32_t>(value));
