@@ -7,7 +7,7 @@ extern "C" const char *__lsan_default_suppressions();
 extern "C" const char *__lsan_default_options();
 
 const char *__lsan_default_suppressions() {
-    return "leak:libobjc.so\nleak:libgnustep-base.so\nleak:_dl_map_object_deps\n";
+    return "leak:libobjc.so\nleak:libgnustep-base.so\nleak:ld-linux-x86-64.so\n";
 }
 
 const char *__lsan_default_options() {
