@@ -16,7 +16,8 @@ if(APPLE)
         "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions>")
     target_link_options(NSProcessInfoZKT PRIVATE -Wl,-exported_symbol,_REALPluginMain)
     target_link_libraries(NSProcessInfoZKT PRIVATE
-        "-framework Foundation" "-framework CoreFoundation" objc)
+        "-framework Foundation" "-framework CoreFoundation" "-framework CoreServices"
+        "-framework CoreText" objc)
 else()
     # Compiled against the same Foundation declarations as the bundle, so that both images expect
     # macOS's types. The names of Core Foundation and its family stay undefined: whoever loads the

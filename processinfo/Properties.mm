@@ -1,6 +1,7 @@
 #include "processinfo/Handlers.h"
 
 #include "bridge/CocoaStrings.h"
+#include "convert/Conversion.h"
 #include "frame/CocoaTrap.h"
 #include "processinfo/WrappedObject.h"
 
@@ -50,8 +51,9 @@ REALstringStruct *operatingSystemName(REALobjectStruct *instance, std::intptr_t)
     return stringProperty([&] { return [wrappedObject(instance) operatingSystemName]; });
 }
 
-REALobjectStruct *environment(REALobjectStruct *, std::intptr_t) {
-    return nullptr;
+REALobjectStruct *environment(REALobjectStruct *instance, std::intptr_t) {
+    return trapCocoaExceptions<REALobjectStruct *>(
+        nullptr, [&] { return NSDictionaryRB([wrappedObject(instance) environment]); });
 }
 
 std::int64_t processIdentifier(REALobjectStruct *instance, std::intptr_t) {

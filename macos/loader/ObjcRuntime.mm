@@ -134,6 +134,10 @@ Class getSuperclass(Class cls) {
     return class_getSuperclass(cls);
 }
 
+IMP getMethodImplementation(Class cls, SEL selector) {
+    return class_getMethodImplementation(cls, selector);
+}
+
 template <class Function>
 void *address(Function *function) {
     return reinterpret_cast<void *>(function);
@@ -168,6 +172,7 @@ std::span<const BridgeSymbol> runtimeSymbols() {
         {"objc_autoreleasePoolPop", address(popPool)},
         {"object_getClass", address(getClass)},
         {"object_getClassName", address(getClassName)},
+        {"class_getMethodImplementation", address(getMethodImplementation)},
         {"class_getSuperclass", address(getSuperclass)},
         {"objc_terminate", address(std::terminate)},
         {"__CFConstantStringClassReference", objc::constantStringClass()},

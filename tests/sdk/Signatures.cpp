@@ -50,6 +50,7 @@ static_assert(has<&sel_registerName, SEL(const char *)>);
 static_assert(has<&object_getClassName, const char *(id)>);
 static_assert(has<&object_getClass, Class(id)>);
 static_assert(has<&class_getSuperclass, Class(Class)>);
+static_assert(has<&class_getMethodImplementation, IMP(Class, SEL)>);
 static_assert(std::is_invocable_v<decltype(objc_getClass), const char *>);
 
 static_assert(std::is_same_v<decltype(kCFAllocatorDefault), const CFAllocatorRef>);

@@ -16,4 +16,8 @@ OBJC_EXPORT Class _Nullable object_getClass(id _Nullable object);
 /// The superclass; null for a root class and for a null class.
 OBJC_EXPORT Class _Nullable class_getSuperclass(Class _Nullable cls);
 
+/// What runs when an instance of the class is sent the message; for a message that it does not
+/// understand, the runtime's forwarding. Null for a null class or selector.
+OBJC_EXPORT IMP _Nullable class_getMethodImplementation(Class _Nullable cls, SEL name);
+
 #pragma clang assume_nonnull end

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "frame/HostTypes.h"
+
+#include <Foundation/Foundation.h>
+
+// A Cocoa class and what becomes of the objects that are a kind of it.
+struct ClassRow {
+    const char *cocoaClass; // null: the row is Core Foundation's two booleans, by identity
+    REALobjectStruct *(*convert)(NSObject *object, const char *cocoaClass);
+};
+
+// The first row of the class table that the object matches, or null. A row whose class is not
+// loaded matches nothing. Sends isKindOfClass: only to objects whose answer may differ from
+// NSObject's own.
+const ClassRow *classRowOf(NSObject *object);
+
+// The first of the classes from later systems that the object is a kind of, by name; or null. Each
+// is looked up when an object first comes this far, once in a process.
+const char *lateClassOf(NSObject *object);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "frame/HostTypes.h"
+
+#include <Foundation/Foundation.h>
+
+// Host arrays of the converted elements, owned by the caller; null if the host makes no array. An
+// element without a host value is nil in its place.
+REALobjectStruct *newHostArray(NSArray *array);
+REALobjectStruct *newHostArrayOfSet(NSSet *set); // in the order of allObjects

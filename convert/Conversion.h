@@ -1,0 +1,17 @@
+#pragma once
+
+#include "frame/HostTypes.h"
+
+#include <Foundation/Foundation.h>
+
+// Conversion of Cocoa objects to host values. Objects are borrowed; a result carries one host
+// reference, which belongs to the caller. Null is the host's nil, for nil, for NSNull and for what
+// has no host value; nothing is reported. An NSException of the object's own, or an exception of a
+// host service, passes to the caller.
+
+// The host value that represents the object best: a Variant, Date, array, Dictionary, MemoryBlock
+// or FolderItem, or an instance of a wrapper class of the family, which retains the object.
+REALobjectStruct *NewVariantFromNSObject(NSObject *object);
+
+// A host Dictionary of the converted keys and values.
+REALobjectStruct *NSDictionaryRB(NSDictionary *dictionary);

@@ -1,0 +1,98 @@
+#include "convert/CoreFoundationWrapper.h"
+
+#include "frame/HostServices.h"
+
+#include <CoreText/CoreText.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
+// Core Foundation's objects answer it; Cocoa's own do not.
+@interface NSObject (CoreFoundationType)
+- (CFTypeID)_cfTypeID;
+@end
+
+namespace {
+
+struct TypeRow {
+    CFTypeID (*typeID)();
+    const char *hostClass;
+};
+
+// In the order of comparison.
+constexpr TypeRow typeRows[] = {
+    {CFURLGetTypeID, "CFURLZKT"},
+    {CFDictionaryGetTypeID, "CFDictionaryZKT"},
+    {CFStringGetTypeID, "CFStringZKT"},
+    {CFNumberGetTypeID, "CFNumberZKT"},
+    {CFArrayGetTypeID, "CFArrayZKT"},
+    {CFBooleanGetTypeID, "CFBooleanZKT"},
+    {CFDataGetTypeID, "CFBinaryDataZKT"}, // not named after its type
+    {CFCharacterSetGetTypeID, "CFCharacterSetZKT"},
+    {CFBundleGetTypeID, "CFBundleZKT"},
+    {CFSetGetTypeID, "CFSetZKT"},
+    {CFBagGetTypeID, "CFBagZKT"},
+    {CFUUIDGetTypeID, "CFUUIDZKT"},
+    {CFTimeZoneGetTypeID, "CFTimeZoneZKT"},
+    {CFDateGetTypeID, "CFDateZKT"},
+    {CFAttributedStringGetTypeID, "CFAttributedStringZKT"},
+    {CFErrorGetTypeID, "CFErrorZKT"},
+    {CTFontGetTypeID, "CTFontZKT"},
+    {CTFontCollectionGetTypeID, "CTFontCollectionZKT"},
+    {CTFrameGetTypeID, "CTFrameZKT"},
+    {CTFramesetterGetTypeID, "CTFramesetterZKT"},
+    {CTGlyphInfoGetTypeID, "CTGlyphInfoZKT"},
+    {CTLineGetTypeID, "CTLineZKT"},
+    {CTParagraphStyleGetTypeID, "CTParagraphStyleZKT"},
+    {CTRunGetTypeID, "CTRunZKT"},
+    {CTTypesetterGetTypeID, "CTTypesetterZKT"},
+    {CTRunDelegateGetTypeID, "CTRunDelegateZKT"},
+};
+constexpr const char *anyType = "CFObjectZKT";
+
+// The data of the family's Core Foundation wrapper classes. A class that is none of them has
+// another tag: its instances must not be written to.
+struct WrapperData {
+    CFTypeRef object;
+    void *classOwn;
+    std::int64_t tag;
+};
+static_assert(offsetof(WrapperData, tag) == 16);
+constexpr std::int64_t wrapperTag = 0x52424346;
+
+const char *hostClassOf(CFTypeRef object) {
+    const CFTypeID type = CFGetTypeID(object);
+    const auto *row = std::find_if(std::begin(typeRows), std::end(typeRows),
+                                   [=](const TypeRow &each) { return each.typeID() == type; });
+    return row != std::end(typeRows) ? row->hostClass : anyType;
+}
+
+REALobjectStruct *newWrapper(CFTypeRef object) {
+    REALobjectStruct *instance = REALnewInstance(hostClassOf(object));
+    if (instance == nullptr)
+        instance = REALnewInstance(anyType);
+    if (instance == nullptr)
+        return nullptr;
+    auto &data = instanceData<WrapperData>(instance);
+    if (data.tag != wrapperTag)
+        return nullptr; // the instance is left as it is, unreleased
+    data.tag = wrapperTag;
+    data.object = CFRetain(object);
+    return instance;
+}
+
+} // namespace
+
+std::optional<REALobjectStruct *> newCoreFoundationWrapper(NSObject *object) {
+    if (![object respondsToSelector:@selector(_cfTypeID)])
+        return std::nullopt;
+    @try {
+        if (static_cast<std::int32_t>([object _cfTypeID]) > 0)
+            return newWrapper((CFTypeRef)object);
+    } @catch (NSException *) {
+        // The object is wrapped by its class instead.
+    }
+    return std::nullopt;
+}

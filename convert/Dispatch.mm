@@ -1,0 +1,31 @@
+#include "convert/Conversion.h"
+
+#include "convert/ClassTable.h"
+#include "convert/CoreFoundationWrapper.h"
+#include "convert/Values.h"
+#include "convert/WrapperFactory.h"
+#include "frame/FamilyHooks.h"
+
+#include <objc/runtime.h>
+
+// The first test that the object passes decides.
+REALobjectStruct *NewVariantFromNSObject(NSObject *object) {
+    if (object == nil || object == [NSNull null])
+        return nullptr;
+    if (REALobjectStruct *known = registeredWrapper(object))
+        return known;
+    if (const ClassRow *row = classRowOf(object))
+        return row->convert(object, row->cocoaClass);
+    if (const char *lateClass = lateClassOf(object))
+        return newRegisteredWrapper(object, lateClass);
+
+    // Asked for every time: the sibling that brings the class may be loaded at any time.
+    Class boxClass = objc_getClass("ZKTREALobjectWrapper");
+    if (boxClass != Nil && [object isKindOfClass:boxClass])
+        return [object unwrap];
+    if ([object isKindOfClass:[NSValue class]])
+        return newStructure((NSValue *)object);
+    if (const auto wrapper = newCoreFoundationWrapper(object))
+        return *wrapper;
+    return newNearestWrapper(object);
+}

@@ -1,0 +1,83 @@
+#include "convert/WrapperFactory.h"
+
+#include "frame/CocoaInit.h"
+#include "frame/HostReference.h"
+
+#include <objc/runtime.h>
+
+#include <cstddef>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t longestClassName = 199;
+
+// The host's name for a Cocoa class.
+class HostClassName {
+public:
+    // Of a name of at most longestClassName characters.
+    HostClassName(const char *cocoaClass, std::size_t length) {
+        std::memcpy(text_, cocoaClass, length);
+        std::memcpy(text_ + length, suffix, sizeof suffix);
+    }
+    [[nodiscard]] const char *text() const { return text_; }
+
+private:
+    static constexpr char suffix[] = "ZKT";
+    char text_[256];
+};
+
+// The wrapped object is the first field of a wrapper's data.
+void wrap(REALobjectStruct *instance, NSObject *object) {
+    instanceData<NSObject *>(instance) = [object retain];
+}
+
+// The first instance that the host makes on the way from the object's class to the root. With a
+// required class every instance is passed over, unreleased, unless the object is a kind of it.
+REALobjectStruct *walkClasses(NSObject *object, Class required) {
+    for (Class each = [object class]; each != Nil; each = class_getSuperclass(each)) {
+        const char *name = object_getClassName((id)each);
+        const std::size_t length = name != nullptr ? std::strlen(name) : longestClassName + 1;
+        if (length > longestClassName)
+            continue;
+        REALobjectStruct *instance = REALnewInstance(HostClassName(name, length).text());
+        if (instance != nullptr && (required == Nil || [object isKindOfClass:required])) {
+            wrap(instance, object);
+            return instance;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+REALobjectStruct *registeredWrapper(NSObject *object) {
+    if (instances == nullptr)
+        return nullptr;
+    auto *known = static_cast<REALobjectStruct *>(
+        const_cast<void *>(CFDictionaryGetValue(instances, object)));
+    if (known != nullptr)
+        REALLockObject(known);
+    return known;
+}
+
+REALobjectStruct *newRegisteredWrapper(NSObject *object, const char *cocoaClass) {
+    if (REALobjectStruct *known = registeredWrapper(object))
+        return known;
+    ObjectReference instance{
+        REALnewInstance(HostClassName(cocoaClass, std::strlen(cocoaClass)).text())};
+    if (!instance)
+        return nullptr;
+    wrap(instance.get(), object);
+    if (instances != nullptr)
+        CFDictionarySetValue(instances, object, instance.get());
+    return instance.handOver();
+}
+
+REALobjectStruct *NewNSObjectZKT(NSObject *object, Class required) {
+    return object != nil && required != Nil ? walkClasses(object, required) : nullptr;
+}
+
+REALobjectStruct *newNearestWrapper(NSObject *object) {
+    return walkClasses(object, Nil);
+}
