@@ -40,7 +40,7 @@ void RatioReporter::Finalize() {
         if (ratio.atMost > 0) {
             const bool within = factor <= ratio.atMost;
             allWithinLimits_ = allWithinLimits_ && within;
-            std::printf("   at most %.2f: %s", ratio.atMost, within ? "yes" : "NO");
+            std::printf("   at most %.3g: %s", ratio.atMost, within ? "yes" : "NO");
         }
         std::putchar('\n');
     }

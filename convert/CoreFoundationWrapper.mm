@@ -64,8 +64,8 @@ constexpr std::int64_t wrapperTag = 0x52424346;
 
 const char *hostClassOf(CFTypeRef object) {
     const CFTypeID type = CFGetTypeID(object);
-    const auto *row = std::find_if(std::begin(typeRows), std::end(typeRows),
-                                   [=](const TypeRow &each) { return each.typeID() == type; });
+    const auto *row =
+        std::ranges::find_if(typeRows, [=](const TypeRow &each) { return each.typeID() == type; });
     return row != std::end(typeRows) ? row->hostClass : anyType;
 }
 

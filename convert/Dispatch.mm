@@ -1,6 +1,6 @@
 #include "convert/Conversion.h"
 
-#include "convert/ClassTable.h"
+#include "convert/ClassSearch.h"
 #include "convert/CoreFoundationWrapper.h"
 #include "convert/Values.h"
 #include "convert/WrapperFactory.h"

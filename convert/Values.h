@@ -7,6 +7,15 @@
 // Host values for Cocoa's values. Objects are borrowed; results are owned by the caller, and null
 // when the host has no such value or class.
 
+// A String Variant; of a null string for nil and for an empty string.
+REALobjectStruct *newStringVariant(NSString *string);
+
+// A FolderItem for the URL of a file or of one that may be made, else a Variant of its text.
+REALobjectStruct *newUrlValue(NSURL *url);
+
+// A Boolean Variant of one of Core Foundation's two booleans.
+REALobjectStruct *newBooleanVariant(NSObject *boolean);
+
 // A Variant by the number's type code.
 REALobjectStruct *newNumberVariant(NSNumber *number);
 

@@ -1,14 +1,6 @@
 #pragma once
 
-#include "frame/HostTypes.h"
-
-#include <Foundation/Foundation.h>
-
-// A Cocoa class and what becomes of the objects that are a kind of it.
-struct ClassRow {
-    const char *cocoaClass; // null: the row is Core Foundation's two booleans, by identity
-    REALobjectStruct *(*convert)(NSObject *object, const char *cocoaClass);
-};
+#include "convert/ClassRows.h"
 
 // The first row of the class table that the object matches, or null. A row whose class is not
 // loaded matches nothing. Sends isKindOfClass: only to objects whose answer may differ from

@@ -1,0 +1,187 @@
+#include "convert/ClassSearch.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <objc/runtime.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <string_view>
+
+namespace {
+
+using RowIndex = std::uint8_t;
+constexpr RowIndex noRow = std::numeric_limits<RowIndex>::max();
+static_assert(std::size(classRows) < noRow);
+
+// The rows by class name: open addressing, with names placed by the first characters behind the
+// prefix, which all have. Most names that are looked up are in no row, and soon found out.
+class RowsByName {
+public:
+    constexpr RowsByName() {
+        slots_.fill(noRow);
+        for (std::size_t row = 0; row != std::size(classRows); ++row)
+            if (row != booleanRow)
+                place(static_cast<RowIndex>(row));
+    }
+
+    [[nodiscard]] static constexpr bool canContain(const char *name) {
+        return name[0] == 'N' && name[1] == 'S';
+    }
+
+    // The row of a name that it can contain, or noRow.
+    [[nodiscard]] constexpr RowIndex find(const char *name) const {
+        if (name[2] == '\0' || name[3] == '\0' || name[4] == '\0')
+            return noRow;
+        std::size_t slot = firstSlot(name);
+        while (slots_[slot] != noRow &&
+               std::string_view(classRows[slots_[slot]].cocoaClass) != name)
+            slot = nextSlot(slot);
+        return slots_[slot];
+    }
+
+private:
+    static constexpr std::size_t slotCount = 1024; // a power of two, mostly empty
+
+    static constexpr std::size_t firstSlot(const char *name) {
+        const auto at = [=](std::size_t i) { return static_cast<unsigned char>(name[i]); };
+        return (at(2) * 293U + at(3) * 67U + at(4) * 11U) % slotCount;
+    }
+    static constexpr std::size_t nextSlot(std::size_t slot) { return (slot + 1) % slotCount; }
+
+    constexpr void place(RowIndex row) {
+        std::size_t slot = firstSlot(classRows[row].cocoaClass);
+        while (slots_[slot] != noRow)
+            slot = nextSlot(slot);
+        slots_[slot] = row;
+    }
+
+    std::array<RowIndex, slotCount> slots_{};
+};
+constexpr RowsByName rowsByName;
+
+static_assert(std::ranges::all_of(classRows, [](const ClassRow &row) {
+    return row.cocoaClass == nullptr || (RowsByName::canContain(row.cocoaClass) &&
+                                         &classRows[rowsByName.find(row.cocoaClass)] == &row);
+}));
+
+bool isCoreFoundationBoolean(NSObject *object) {
+    return object == (id)kCFBooleanFalse || object == (id)kCFBooleanTrue;
+}
+
+bool isKindOf(NSObject *object, const char *className) {
+    Class loaded = objc_getClass(className);
+    return loaded != Nil && [object isKindOfClass:loaded];
+}
+
+// The definition of classRowOf.
+[[gnu::noinline, gnu::cold]] const ClassRow *firstRowByMessages(NSObject *object) {
+    for (const ClassRow &row : classRows)
+        if (row.cocoaClass != nullptr ? isKindOf(object, row.cocoaClass)
+                                      : isCoreFoundationBoolean(object))
+            return &row;
+    return nullptr;
+}
+
+// What Foundation has for as long as this plug-in, which is linked with it: the classes of the
+// value rows and NSObject. They need to be looked up once only. With NSObject goes what it answers
+// to the two messages that say what an object is a kind of; a method that is replaced later counts
+// as another answer.
+constinit Class valueClasses[valueRowCount] = {};
+constinit Class rootClass = Nil;
+constinit IMP classOfNSObject = nullptr; // where isKindOfClass: begins on some systems
+constinit IMP isKindOfClassOfNSObject = nullptr;
+
+[[gnu::noinline, gnu::cold]] void lookUpFoundation() {
+    for (std::size_t row = 0; row != valueRowCount; ++row)
+        if (row != booleanRow)
+            valueClasses[row] = objc_getClass(classRows[row].cocoaClass);
+    rootClass = [NSObject class];
+    classOfNSObject = class_getMethodImplementation(rootClass, @selector(class));
+    isKindOfClassOfNSObject = class_getMethodImplementation(rootClass, @selector(isKindOfClass:));
+}
+
+// Whether objects of the class are a kind of it and its superclasses, and of nothing else.
+bool answersAsNSObject(Class cls) {
+    return isKindOfClassOfNSObject != nullptr &&
+           class_getMethodImplementation(cls, @selector(isKindOfClass:)) ==
+               isKindOfClassOfNSObject &&
+           class_getMethodImplementation(cls, @selector(class)) == classOfNSObject;
+}
+
+// The value row of a class, or noRow.
+RowIndex valueRowOf(Class cls) {
+    const auto *found = std::ranges::find(valueClasses, cls);
+    return found != std::end(valueClasses) ? static_cast<RowIndex>(found - std::begin(valueClasses))
+                                           : noRow;
+}
+
+// The row of any other class, or noRow. Such classes come and go, so that a name says little: the
+// row's class is the one that is loaded under the name now.
+RowIndex pairRowOf(Class cls, const char *name) {
+    const RowIndex row = rowsByName.find(name);
+    return row != noRow && objc_getClass(name) == cls ? row : noRow;
+}
+
+// The same as firstRowByMessages, for an object whose class answers as NSObject does: of the rows
+// that its superclasses have, the first counts.
+const ClassRow *firstRowOfAncestors(NSObject *object, Class cls) {
+    RowIndex first = noRow;
+    for (Class each = cls; each != Nil && each != rootClass; each = class_getSuperclass(each)) {
+        const char *name = object_getClassName((id)each);
+        if (!RowsByName::canContain(name))
+            continue;
+        if (const RowIndex value = valueRowOf(each); value != noRow) {
+            first = value;
+            break;
+        }
+        first = std::min(first, pairRowOf(each, name));
+    }
+    if (first > booleanRow && isCoreFoundationBoolean(object))
+        first = booleanRow;
+    return first != noRow ? &classRows[first] : nullptr;
+}
+
+struct LateClass {
+    const char *name;
+    Class loaded = Nil;
+    bool lookedUp = false;
+
+    // The class as it was, loaded or not, when first asked for.
+    Class get() {
+        if (!lookedUp) {
+            loaded = objc_getClass(name);
+            lookedUp = true;
+        }
+        return loaded;
+    }
+};
+
+constinit LateClass NSUserNotificationClass{"NSUserNotification"};
+constinit LateClass NSDraggingImageComponentClass{"NSDraggingImageComponent"};
+constinit LateClass QuartzFilterClass{"QuartzFilter"};
+constinit LateClass QCCompositionClass{"QCComposition"};
+constinit LateClass QCCompositionRepositoryClass{"QCCompositionRepository"};
+
+constexpr LateClass *lateClasses[] = {&NSUserNotificationClass, &NSDraggingImageComponentClass,
+                                      &QuartzFilterClass, &QCCompositionClass,
+                                      &QCCompositionRepositoryClass};
+
+} // namespace
+
+const ClassRow *classRowOf(NSObject *object) {
+    if (isKindOfClassOfNSObject == nullptr) [[unlikely]]
+        lookUpFoundation();
+    Class cls = object_getClass(object);
+    return answersAsNSObject(cls) ? firstRowOfAncestors(object, cls) : firstRowByMessages(object);
+}
+
+const char *lateClassOf(NSObject *object) {
+    for (LateClass *each : lateClasses)
+        if (Class loaded = each->get(); loaded != Nil && [object isKindOfClass:loaded])
+            return each->name;
+    return nullptr;
+}

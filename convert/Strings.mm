@@ -1,0 +1,18 @@
+#include "convert/Values.h"
+
+#include "bridge/CocoaStrings.h"
+#include "bridge/FolderItems.h"
+#include "frame/HostReference.h"
+
+REALobjectStruct *newStringVariant(NSString *string) {
+    StringReference text{CFString2RBString((CFStringRef)string)};
+    ObjectReference variant{REALNewVariantString(text.get())};
+    text.reset();
+    return variant.handOver();
+}
+
+REALobjectStruct *newUrlValue(NSURL *url) {
+    if (REALobjectStruct *folderItem = NSURLRBFile((CFURLRef)url))
+        return folderItem;
+    return newStringVariant([url absoluteString]);
+}
