@@ -19,9 +19,11 @@ constinit DataPointerMethod *myMemoryBlockGetPtr = nullptr;
 
 REALobjectStruct *newLargeBlock(std::int64_t size) {
     MemoryBlockRequest request{size, nullptr};
-    // What the constructor raises becomes the report of the missing block.
-    ObjectReference(REALCallFunctionWithExceptionHandler(REALNewMemoryBlockWork, &request)).reset();
-    return request.block;
+    ObjectReference exception{
+        REALCallFunctionWithExceptionHandler(REALNewMemoryBlockWork, &request)};
+    ObjectReference block{request.block};
+    exception.reset(); // what the constructor raised becomes the report of the missing block
+    return block.handOver();
 }
 
 // The method is loaded from a scratch block, so that the new one stays untouched if it need not.

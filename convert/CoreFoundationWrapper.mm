@@ -1,6 +1,6 @@
 #include "convert/CoreFoundationWrapper.h"
 
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 
 #include <CoreText/CoreText.h>
 
@@ -70,17 +70,18 @@ const char *hostClassOf(CFTypeRef object) {
 }
 
 REALobjectStruct *newWrapper(CFTypeRef object) {
-    REALobjectStruct *instance = REALnewInstance(hostClassOf(object));
-    if (instance == nullptr)
-        instance = REALnewInstance(anyType);
-    if (instance == nullptr)
+    REALobjectStruct *made = REALnewInstance(hostClassOf(object));
+    if (made == nullptr)
+        made = REALnewInstance(anyType);
+    if (made == nullptr)
         return nullptr;
-    auto &data = instanceData<WrapperData>(instance);
+    auto &data = instanceData<WrapperData>(made);
     if (data.tag != wrapperTag)
         return nullptr; // the instance is left as it is, unreleased
+    ObjectReference instance{made};
     data.tag = wrapperTag;
     data.object = CFRetain(object);
-    return instance;
+    return instance.handOver();
 }
 
 } // namespace

@@ -27,9 +27,11 @@ private:
     char text_[256];
 };
 
-// The wrapped object is the first field of a wrapper's data.
-void wrap(REALobjectStruct *instance, NSObject *object) {
-    instanceData<NSObject *>(instance) = [object retain];
+// Gives the new instance, with the object in it: the first field of a wrapper's data.
+REALobjectStruct *wrapping(NSObject *object, REALobjectStruct *newInstance) {
+    ObjectReference instance{newInstance};
+    instanceData<NSObject *>(newInstance) = [object retain];
+    return instance.handOver();
 }
 
 // The first instance that the host makes on the way from the object's class to the root. With a
@@ -41,10 +43,8 @@ REALobjectStruct *walkClasses(NSObject *object, Class required) {
         if (length > longestClassName)
             continue;
         REALobjectStruct *instance = REALnewInstance(HostClassName(name, length).text());
-        if (instance != nullptr && (required == Nil || [object isKindOfClass:required])) {
-            wrap(instance, object);
-            return instance;
-        }
+        if (instance != nullptr && (required == Nil || [object isKindOfClass:required]))
+            return wrapping(object, instance);
     }
     return nullptr;
 }
@@ -64,14 +64,14 @@ REALobjectStruct *registeredWrapper(NSObject *object) {
 REALobjectStruct *newRegisteredWrapper(NSObject *object, const char *cocoaClass) {
     if (REALobjectStruct *known = registeredWrapper(object))
         return known;
-    ObjectReference instance{
-        REALnewInstance(HostClassName(cocoaClass, std::strlen(cocoaClass)).text())};
-    if (!instance)
+    REALobjectStruct *instance =
+        REALnewInstance(HostClassName(cocoaClass, std::strlen(cocoaClass)).text());
+    if (instance == nullptr)
         return nullptr;
-    wrap(instance.get(), object);
+    wrapping(object, instance);
     if (instances != nullptr)
-        CFDictionarySetValue(instances, object, instance.get());
-    return instance.handOver();
+        CFDictionarySetValue(instances, object, instance);
+    return instance;
 }
 
 REALobjectStruct *NewNSObjectZKT(NSObject *object, Class required) {

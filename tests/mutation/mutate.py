@@ -1,0 +1,391 @@
+#!/usr/bin/env python3
+"""Breaks the plug-in in one small way after another, and asks the contract tests to notice.
+
+Each mutant is one edit of one source file. The Linux object is built from a copy of the tree, and the
+contract tests run on it, each in a process of its own, until one fails: first those that noticed
+earlier mutants of the same file, then the others, fastest first. A mutant that no test notices
+survives; equivalent.txt says of survivors why no test can notice them.
+"""
+
+import argparse
+import concurrent.futures
+import dataclasses
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+FOLDERS = ("frame", "bridge", "convert", "processinfo")
+TEST_TIMEOUT = 60  # seconds
+
+
+@dataclasses.dataclass(frozen=True)
+class Mutant:
+    path: str  # of the source file, from the root
+    line: int
+    what: str
+    text: str  # the whole file, mutated
+
+    def __str__(self):
+        return f"{self.path}:{self.line}: {self.what}"
+
+
+# Finding places to break ---------------------------------------------------------------------------
+
+
+def blank_comments_and_strings(text):
+    """The text with comments and literals as spaces, so that positions stay."""
+    pattern = r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\''
+    blank = lambda match: re.sub(r"[^\n]", " ", match.group())
+    return re.sub(pattern, blank, text, flags=re.S)
+
+
+def line_of(text, position):
+    return text.count("\n", 0, position) + 1
+
+
+def closing(code, opening):
+    """The position of the bracket that closes the one at the given position."""
+    depth = 0
+    for position in range(opening, len(code)):
+        if code[position] in "([{":
+            depth += 1
+        elif code[position] in ")]}":
+            depth -= 1
+            if depth == 0:
+                return position
+    raise ValueError("unbalanced brackets")
+
+
+def split_at_commas(code, begin, end):
+    """Ranges of what stands between the commas of the outermost level."""
+    parts, start, depth = [], begin, 0
+    for position in range(begin, end):
+        if code[position] in "([{":
+            depth += 1
+        elif code[position] in ")]}":
+            depth -= 1
+        elif code[position] == "," and depth == 0:
+            parts.append((start, position))
+            start = position + 1
+    if code[start:end].strip():
+        parts.append((start, end))
+    return parts
+
+
+def trimmed(code, begin, end):
+    while begin < end and code[begin].isspace():
+        begin += 1
+    while end > begin and code[end - 1].isspace():
+        end -= 1
+    return begin, end
+
+
+def short(text, limit=60):
+    text = " ".join(text.split())
+    return text if len(text) <= limit else text[: limit - 3] + "..."
+
+
+def table_mutants(path, text):
+    code = blank_comments_and_strings(text)
+    for table in re.finditer(r"(\w+)(?:\[\])? ?(?:= )?\{(?=[\s{&])", code):
+        opening = table.end() - 1
+        if not re.search(r"(\w\[\] = |pluginClasses)$", code[: opening].rstrip("{")):
+            continue
+        rows = [trimmed(code, *row) for row in split_at_commas(code, opening + 1, closing(code, opening))]
+        for index, (begin, end) in enumerate(rows):
+            stop = rows[index + 1][0] if index + 1 < len(rows) else end
+            yield Mutant(path, line_of(text, begin), f"row deleted: {short(text[begin:end])}",
+                         text[:begin] + text[stop:])
+            if index + 1 < len(rows):
+                next_begin, next_end = rows[index + 1]
+                yield Mutant(path, line_of(text, begin),
+                             f"rows swapped: {short(text[begin:end], 40)} and "
+                             f"{short(text[next_begin:next_end], 40)}",
+                             text[:begin] + text[next_begin:next_end] + text[end:next_begin]
+                             + text[begin:end] + text[next_end:])
+
+
+def statements(code):
+    """Ranges of simple statements in functions."""
+    for match in re.finditer(r"(?<=[;{}):])\n(?P<indent>    +)(?P<body>[^\s{}#][^;{}]*;)", code):
+        begin, end = match.start("body"), match.end("body")
+        if code.count("(", begin, end) == code.count(")", begin, end):
+            yield begin, end
+
+
+DECLARATION = re.compile(
+    r"(return|using|static|constexpr|inline|extern|explicit|break|continue|case|const \w|[\w:<>*]+ \*?&?\w+( =|\{|;)"
+    r"|std::\w+(<.*>)? \w+|auto |virtual|~|@|template|struct|enum|\w+ \w+\(.*\) (const|=)|HostReference)")
+
+
+def deleted_statements(path, text):
+    code = blank_comments_and_strings(text)
+    for begin, end in statements(code):
+        statement = text[begin:end]
+        if not DECLARATION.match(statement):
+            yield Mutant(path, line_of(text, begin), f"deleted: {short(statement)}",
+                         text[:begin] + ";" + text[end:])
+
+
+def negated_conditions(path, text):
+    code = blank_comments_and_strings(text)
+    for match in re.finditer(r"\b(if|while) \(", code):
+        begin = match.end()
+        end = closing(code, begin - 1)
+        condition = text[begin:end]
+        at = condition.rfind(";") + 1 if ";" in code[begin:end] else 0
+        if re.search(r"\b(auto|const|\w+) [*&]?\w+ = ", condition) and not at:
+            continue  # a declaration: it is negated below, where it is used
+        yield Mutant(path, line_of(text, begin), f"negated: {short(condition)}",
+                     text[:begin] + condition[:at] + f" !({condition[at:].strip()})" + text[end:])
+
+
+REPLACEMENTS = (
+    (r" == ", " != "), (r" != ", " == "), (r" && ", " || "), (r" \|\| ", " && "),
+    (r" < (?=[\w(])", " <= "), (r" <= ", " < "), (r" > (?=[\w(])", " >= "), (r" >= ", " > "),
+    (r" \+ (?=\w)", " - "), (r" - (?=\w)", " + "), (r"\btrue\b", "false"), (r"\bfalse\b", "true"),
+)
+
+
+def replaced_operators(path, text):
+    code = blank_comments_and_strings(text)
+    for pattern, replacement in REPLACEMENTS:
+        for match in re.finditer(pattern, code):
+            line = code[code.rfind("\n", 0, match.start()) + 1: code.find("\n", match.end())]
+            if re.match(r"\s*(template|static_assert|#)", line):
+                continue
+            yield Mutant(path, line_of(text, match.start()),
+                         f"'{match.group().strip()}' became '{replacement.strip()}': {short(line)}",
+                         text[: match.start()] + replacement + text[match.end():])
+
+
+def changed_constants(path, text):
+    code = blank_comments_and_strings(text)
+    for match in re.finditer(r"(?<![\w.'\"])(0x[0-9A-Fa-f]+|\d+)(?![\w.'])", code):
+        line = code[code.rfind("\n", 0, match.start()) + 1: code.find("\n", match.end())]
+        if re.match(r"\s*(static_assert|#|template)", line):
+            continue
+        value = int(match.group(), 0) + 1
+        new = hex(value) if match.group().startswith("0x") else str(value)
+        yield Mutant(path, line_of(text, match.start()), f"{match.group()} became {new}: {short(line)}",
+                     text[: match.start()] + new + text[match.end():])
+
+
+def changed_texts(path, text):
+    for match in re.finditer(r'(?<=[ ({,@])"((?:\\.|[^"\\\n])+)"', text):
+        line = text[text.rfind("\n", 0, match.start()) + 1: text.find("\n", match.end())]
+        if line.lstrip().startswith(("#", "//")) or 'extern "C"' in line:
+            continue
+        yield Mutant(path, line_of(text, match.start()), f"text changed: {short(match.group())}",
+                     text[: match.end() - 1] + "x" + text[match.end() - 1:])
+
+
+def swapped_arguments(path, text):
+    code = blank_comments_and_strings(text)
+    for match in re.finditer(r"[\w>\]]\(", code):
+        opening = match.end() - 1
+        try:
+            end = closing(code, opening)
+        except ValueError:
+            continue
+        parts = [trimmed(code, *part) for part in split_at_commas(code, opening + 1, end)]
+        line = code[code.rfind("\n", 0, match.start()) + 1: match.start()]
+        if re.match(r"(\S|\s*(static_assert|template|struct|explicit|inline))", line):
+            continue  # a declaration
+        for (begin, stop), (next_begin, next_stop) in zip(parts, parts[1:]):
+            if text[begin:stop] != text[next_begin:next_stop]:
+                yield Mutant(path, line_of(text, begin),
+                             f"arguments swapped: {short(text[match.start():end + 1])}",
+                             text[:begin] + text[next_begin:next_stop] + text[stop:next_begin]
+                             + text[begin:stop] + text[next_stop:])
+
+
+CODE_OPERATORS = (deleted_statements, negated_conditions, replaced_operators, changed_constants,
+                  changed_texts, swapped_arguments)
+
+
+def mutants(tables_only, pattern):
+    found = {}
+    for folder in FOLDERS:
+        for file in sorted((ROOT / folder).iterdir()):
+            path = f"{folder}/{file.name}"
+            if file.suffix not in (".cpp", ".mm", ".h") or not re.search(pattern, path):
+                continue
+            text = file.read_text()
+            for operator in (table_mutants,) if tables_only else (table_mutants, *CODE_OPERATORS):
+                for mutant in operator(path, text):
+                    if mutant.text != text:
+                        found.setdefault(mutant.text, mutant)
+    return list(found.values())
+
+
+# Building and testing ------------------------------------------------------------------------------
+
+
+class Workbench:
+    """A copy of the tree with a build of its own, and the contract tests of the tree itself."""
+
+    def __init__(self, jobs):
+        self.jobs = jobs
+        self.source = ROOT / "build/mutate/source"
+        self.build = ROOT / "build/mutate/linux"
+        self.image = self.build / "NSProcessInfoZKT.so"
+        self.tests = ROOT / "build/linux/tests/contract/contract_tests"
+
+    def prepare(self):
+        shutil.rmtree(self.source, ignore_errors=True)
+        files = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=ROOT, check=True,
+                               capture_output=True, text=True).stdout.split("\n")
+        for name in filter(None, files):
+            if (ROOT / name).is_file():
+                (self.source / name).parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy2(ROOT / name, self.source / name)
+        subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
+                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_BUILD_TYPE=Debug"],
+                       cwd=self.source, check=True, stdout=subprocess.DEVNULL)
+        if not self.compiles():
+            sys.exit("mutate: the unchanged plug-in does not build")
+
+    def compiles(self):
+        return subprocess.run(["ninja", "-C", self.build, "NSProcessInfoZKT"],
+                              capture_output=True).returncode == 0
+
+    def apply(self, path, text):
+        (self.source / path).write_text(text)
+
+    def names(self):
+        listing = subprocess.run([self.tests, "--gtest_list_tests"], check=True, capture_output=True,
+                                 text=True).stdout
+        suite, names = "", []
+        for line in listing.splitlines():
+            line = line.split("#")[0].rstrip()
+            if line.startswith("  "):
+                names.append(suite + line.strip())
+            elif line.endswith("."):
+                suite = line
+        return names
+
+    def passes(self, name):
+        try:
+            return subprocess.run([self.tests, f"--image={self.image}", f"--gtest_filter={name}"],
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                  timeout=TEST_TIMEOUT).returncode == 0
+        except subprocess.TimeoutExpired:
+            return False
+
+    def first_failing(self, names):
+        """The first test that fails, or None; stops soon after it."""
+        with concurrent.futures.ThreadPoolExecutor(self.jobs) as pool:
+            waiting, position = {}, 0
+            while position < len(names) or waiting:
+                while position < len(names) and len(waiting) < self.jobs:
+                    waiting[pool.submit(self.passes, names[position])] = names[position]
+                    position += 1
+                done, _ = concurrent.futures.wait(
+                    waiting, return_when=concurrent.futures.FIRST_COMPLETED)
+                for future in done:
+                    name = waiting.pop(future)
+                    if not future.result():
+                        return name
+        return None
+
+
+class TestOrder:
+    """The tests that noticed something first, then by duration."""
+
+    def __init__(self, durations):
+        self.by_duration = sorted(durations, key=durations.get)
+        self.killers = {}
+
+    def of(self, path):
+        first = self.killers.setdefault(path, [])
+        known = set(first)
+        return first + [name for name in self.by_duration if name not in known]
+
+    def noticed(self, path, name):
+        killers = self.killers.setdefault(path, [])
+        if name in killers:
+            killers.remove(name)
+        killers.insert(0, name)
+
+
+def timed_run(bench):
+    """Runs every test on the unchanged plug-in; gives their durations."""
+    def run(name):
+        begin = time.monotonic()
+        passed = bench.passes(name)
+        return name, passed, time.monotonic() - begin
+
+    with concurrent.futures.ThreadPoolExecutor(bench.jobs) as pool:
+        results = list(pool.map(run, bench.names()))
+    failed = [name for name, passed, _ in results if not passed]
+    if failed:
+        sys.exit("mutate: tests fail on the unchanged plug-in: " + ", ".join(failed[:10]))
+    return {name: seconds for name, _, seconds in results}
+
+
+def known_equivalents():
+    """Mutants that no test can notice, from equivalent.txt: a line each, its reason behind ' -- '.
+    Line numbers are left out, as they change."""
+    file = pathlib.Path(__file__).with_name("equivalent.txt")
+    lines = file.read_text().splitlines() if file.exists() else []
+    return {line.split(" -- ")[0].strip() for line in lines if " -- " in line}
+
+
+def without_line(mutant):
+    return f"{mutant.path}: {mutant.what}"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--tables", action="store_true", help="only rows of tables: deleted, swapped")
+    parser.add_argument("--files", default="", help="only files whose path matches")
+    parser.add_argument("--list", action="store_true", help="print the mutants and stop")
+    parser.add_argument("--jobs", type=int, default=2, help="tests at a time")
+    options = parser.parse_args()
+
+    todo = mutants(options.tables, options.files)
+    if options.list:
+        print(*todo, sep="\n")
+        print(f"{len(todo)} mutants")
+        return 0
+
+    bench = Workbench(options.jobs)
+    bench.prepare()
+    order = TestOrder(timed_run(bench))
+    equivalent = known_equivalents()
+    killed = rejected = 0
+    survivors, explained = [], []
+    for number, mutant in enumerate(todo, 1):
+        bench.apply(mutant.path, mutant.text)
+        if not bench.compiles():
+            rejected += 1
+            outcome = "does not compile"
+        elif (name := bench.first_failing(order.of(mutant.path))) is not None:
+            killed += 1
+            order.noticed(mutant.path, name)
+            outcome = f"noticed by {name}"
+        elif without_line(mutant) in equivalent:
+            explained.append(mutant)
+            outcome = "equivalent"
+        else:
+            survivors.append(mutant)
+            outcome = "SURVIVED"
+        bench.apply(mutant.path, (ROOT / mutant.path).read_text())
+        print(f"[{number}/{len(todo)}] {mutant}: {outcome}", flush=True)
+
+    tested = len(todo) - rejected - len(explained)
+    print(f"\n{len(todo)} mutants: {rejected} do not compile, {killed} noticed, "
+          f"{len(explained)} equivalent, {len(survivors)} survived"
+          + (f" ({100 * killed / tested:.1f} % noticed)" if tested else ""))
+    for mutant in survivors:
+        print(f"  survived: {mutant}")
+    return 1 if survivors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
