@@ -30,6 +30,11 @@ else()
     target_link_libraries(NSProcessInfoZKT PRIVATE ${GNUSTEP_BASE_LIBRARY} ${LIBOBJC})
     target_link_options(NSProcessInfoZKT PRIVATE
         -Wl,--version-script=${CMAKE_SOURCE_DIR}/bundle/linux.map)
+    if(COVERAGE)
+        target_compile_options(NSProcessInfoZKT PRIVATE
+            -fprofile-instr-generate -fcoverage-mapping)
+        target_link_options(NSProcessInfoZKT PRIVATE -fprofile-instr-generate)
+    endif()
     set_target_properties(NSProcessInfoZKT PROPERTIES
         LINK_DEPENDS ${CMAKE_SOURCE_DIR}/bundle/linux.map)
 endif()

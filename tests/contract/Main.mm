@@ -1,4 +1,5 @@
 #include "ImageUnderTest.h"
+#include "RowMessages.h"
 
 #include "host/Cocoa.h"
 
@@ -26,11 +27,16 @@ int main(int argc, char **argv) {
     testing::InitGoogleMock(&argc, argv);
 
     constexpr std::string_view option = "--image=";
-    for (int i = 1; i < argc; ++i)
-        if (std::string_view(argv[i]).starts_with(option))
-            image = argv[i] + option.size();
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument.starts_with(option))
+            image = argument.substr(option.size());
+        else if (argument == "--ask-every-row")
+            askEveryRow(true);
+    }
     if (image.empty() && !GTEST_FLAG_GET(list_tests)) {
-        std::cerr << "usage: " << argv[0] << " --image=FILE [GoogleTest options]\n";
+        std::cerr << "usage: " << argv[0]
+                  << " --image=FILE [--ask-every-row] [GoogleTest options]\n";
         return 2;
     }
     return RUN_ALL_TESTS();

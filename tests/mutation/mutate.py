@@ -245,7 +245,7 @@ class Workbench:
                 (self.source / name).parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy2(ROOT / name, self.source / name)
         subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
-                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_BUILD_TYPE=Debug"],
+                        "-DBUILD_BENCHMARKS=OFF"],
                        cwd=self.source, check=True, stdout=subprocess.DEVNULL)
         if not self.compiles():
             sys.exit("mutate: the unchanged plug-in does not build")
