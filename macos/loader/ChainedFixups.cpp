@@ -15,7 +15,7 @@ void checkForm(const MachOObjectFile &object, const Fixups &fixups) {
     auto header = object.getChainedFixupsHeader();
     if (!header)
         fixups.fail(llvm::toString(header.takeError()));
-    if (*header && (*header)->symbols_format != 0)
+    if (const auto &found = *header; found && found->symbols_format != 0)
         fixups.fail("compressed symbol names are not supported");
     auto segments = object.getChainedFixupsSegments();
     if (!segments)

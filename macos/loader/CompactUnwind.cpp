@@ -87,14 +87,14 @@ public:
 
 private:
     template <class Record>
-    Record read(std::uint64_t offset, const std::string &what) const {
+    [[nodiscard]] Record read(std::uint64_t offset, const std::string &what) const {
         const auto record = readAt<Record>(source_.table, offset);
         if (!record)
             fail(what + " at " + hex(offset) + " lies outside the section");
         return *record;
     }
 
-    IndexEntry indexEntry(std::uint32_t index) const {
+    [[nodiscard]] IndexEntry indexEntry(std::uint32_t index) const {
         return read<IndexEntry>(header_.indexOffset + std::uint64_t{index} * sizeof(IndexEntry),
                                 "index entry " + std::to_string(index));
     }
@@ -143,8 +143,8 @@ private:
     }
 
     /// The encodings common to all pages come first, then those of the page.
-    std::uint32_t encoding(std::uint64_t pageOffset, const CompressedPage &page,
-                           std::uint32_t number) const {
+    [[nodiscard]] std::uint32_t encoding(std::uint64_t pageOffset, const CompressedPage &page,
+                                         std::uint32_t number) const {
         if (number < header_.encodingsCount)
             return read<std::uint32_t>(header_.encodingsOffset + number * sizeof(std::uint32_t),
                                        "common encoding");
@@ -194,12 +194,12 @@ private:
         table_.records.push_back(std::move(record));
     }
 
-    std::vector<std::uint8_t> instructions(std::uint32_t mode) const {
+    [[nodiscard]] std::vector<std::uint8_t> instructions(std::uint32_t mode) const {
         switch (mode) {
         case frameMode:
             return frameInstructions();
         case fixedStack:
-            return stackInstructions(bits(encoding_, 16, 8) * 8);
+            return stackInstructions(std::uint64_t{bits(encoding_, 16, 8)} * 8);
         case stackInCode:
             return stackInstructions(stackSizeInCode());
         default:
@@ -215,7 +215,7 @@ private:
             table_.records.push_back(*record);
     }
 
-    std::uint64_t personality(std::uint32_t number) const {
+    [[nodiscard]] std::uint64_t personality(std::uint32_t number) const {
         if (number == 0)
             return 0;
         if (number > header_.personalitiesCount)
@@ -230,7 +230,7 @@ private:
 
     /// rbp is pushed and points to where it was saved; up to five registers are saved further down,
     /// upwards from 8 * offset bytes below rbp.
-    std::vector<std::uint8_t> frameInstructions() const {
+    [[nodiscard]] std::vector<std::uint8_t> frameInstructions() const {
         DwarfCode code;
         code.frame(dwarf::rbp, 16);
         code.saved(dwarf::rbp, 2);
@@ -247,7 +247,7 @@ private:
     }
 
     /// The frame address is rsp plus `size`; registers are saved right below the return address.
-    std::vector<std::uint8_t> stackInstructions(std::uint64_t size) const {
+    [[nodiscard]] std::vector<std::uint8_t> stackInstructions(std::uint64_t size) const {
         const auto count = bits(encoding_, 10, 3);
         if (count > 6 || size < 8 * (std::uint64_t{count} + 1))
             failEncoding("does not describe a stack");
@@ -261,7 +261,8 @@ private:
 
     /// The registers in the order in which they were pushed. The number is written in the mixed
     /// radix of permutations: each digit says which of the registers that are left comes next.
-    std::array<std::uint8_t, 6> permutation(std::uint32_t count, std::uint32_t number) const {
+    [[nodiscard]] std::array<std::uint8_t, 6> permutation(std::uint32_t count,
+                                                          std::uint32_t number) const {
         std::vector<std::uint8_t> left(savedRegisters.begin() + 1, savedRegisters.end());
         std::array<std::uint8_t, 6> order = {};
         for (std::uint32_t i = 0; i < count; ++i) {
@@ -280,14 +281,14 @@ private:
 
     /// Large stacks: the encoding says where in the function the instruction "sub rsp, size" has
     /// its operand.
-    std::uint64_t stackSizeInCode() const {
+    [[nodiscard]] std::uint64_t stackSizeInCode() const {
         const auto at = start_ + bits(encoding_, 16, 8);
         const auto size = at < source_.textOffset
                               ? std::nullopt
                               : readAt<std::uint32_t>(source_.text, at - source_.textOffset);
         if (!size)
             failEncoding("refers to an instruction outside the code");
-        return std::uint64_t{*size} + 8 * bits(encoding_, 13, 3);
+        return std::uint64_t{*size} + std::uint64_t{8} * bits(encoding_, 13, 3);
     }
 
     [[noreturn]] void failEncoding(const std::string &what) const {

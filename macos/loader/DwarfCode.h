@@ -38,7 +38,7 @@ public:
         for (bool more = true; more;) {
             const auto low = static_cast<std::uint8_t>(value & 0x7f);
             value >>= 7;
-            more = !((value == 0 && !(low & 0x40)) || (value == -1 && (low & 0x40)));
+            more = (value != 0 || (low & 0x40)) && (value != -1 || !(low & 0x40));
             bytes.push_back(more ? low | 0x80 : low);
         }
     }

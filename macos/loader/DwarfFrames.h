@@ -15,7 +15,7 @@ struct DwarfFrames {
     std::map<std::uint64_t, UnwindRecord> records;
 
     /// The record that describes the code at `offset`; null when there is none.
-    const UnwindRecord *find(std::uint64_t offset) const;
+    [[nodiscard]] const UnwindRecord *find(std::uint64_t offset) const;
 };
 
 /// Reads an __eh_frame section that stands at `sectionOffset` of an image linked at `baseAddress`.

@@ -7,8 +7,8 @@
 
 // Of the unwinder, which declares them in no header.
 extern "C" {
-void __register_frame(void *section);
-void __deregister_frame(void *section);
+void registerFrames(void *section) asm("__register_frame");
+void forgetFrames(void *section) asm("__deregister_frame");
 }
 
 namespace macho {
@@ -96,12 +96,12 @@ RegisteredFrames::RegisteredFrames(std::vector<std::uint8_t> section)
     : section_(std::move(section)), registered_(section_.size() > sizeof(Length)) {
     // The unwinder takes an empty section for none, and would not find it again to forget it.
     if (registered_)
-        __register_frame(section_.data());
+        registerFrames(section_.data());
 }
 
 RegisteredFrames::~RegisteredFrames() {
     if (registered_)
-        __deregister_frame(section_.data());
+        forgetFrames(section_.data());
 }
 
 } // namespace macho

@@ -17,9 +17,10 @@
 
 extern "C" {
 // Of the C++ library and of libobjc, which declare them in no header that fits here.
-_Unwind_Reason_Code __gxx_personality_v0(int version, _Unwind_Action actions,
-                                         _Unwind_Exception_Class exceptionClass,
-                                         _Unwind_Exception *exception, _Unwind_Context *context);
+_Unwind_Reason_Code cxxPersonality(int version, _Unwind_Action actions,
+                                   _Unwind_Exception_Class exceptionClass,
+                                   _Unwind_Exception *exception,
+                                   _Unwind_Context *context) asm("__gxx_personality_v0");
 void objc_exception_throw(void *object);
 }
 
@@ -63,8 +64,9 @@ bool handlesObjc() {
 /// this class's virtual functions; the C++ library's personality asks them like any type.
 class HandlerType : public std::type_info {
 public:
-    HandlerType(const char *name, objc::Object cls) : std::type_info(name), class_(cls) {}
+    HandlerType(const char *name, objc::Object cls) noexcept : std::type_info(name), class_(cls) {}
 
+    // NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ library's name for it.
     bool __do_catch(const std::type_info *, void **, unsigned) const override;
 
 private:
@@ -89,7 +91,7 @@ _Unwind_Reason_Code personality(int version, _Unwind_Action actions,
                                 _Unwind_Exception_Class exceptionClass,
                                 _Unwind_Exception *exception, _Unwind_Context *context) {
     auto *const before = std::exchange(current, exception);
-    const auto reason = __gxx_personality_v0(version, actions, exceptionClass, exception, context);
+    const auto reason = cxxPersonality(version, actions, exceptionClass, exception, context);
     current = before;
     // Once found, the handler owns a reference. Later would be too late: clean-ups on the way to
     // it may drop the last one.
@@ -144,7 +146,7 @@ void *address(const HandlerType &type) {
 
 /// Where the virtual table's symbol stands: two words before the first function.
 void *handlerTypeTable() {
-    return *static_cast<void ***>(address(anyObject)) - 2;
+    return static_cast<void *>(*static_cast<void ***>(address(anyObject)) - 2);
 }
 
 } // namespace

@@ -28,7 +28,7 @@ void Fixups::fail(const std::string &what) const {
 
 void Fixups::rebase(std::uint64_t segment, std::uint64_t offset) {
     const auto slot = slotAt(segment, offset);
-    const auto target = *readAt<std::uint64_t>(commands_.segments[segment].content, offset);
+    const auto target = recordAt<std::uint64_t>(commands_.segments[segment].content, offset);
     plan_.rebases.push_back({slot, target - commands_.baseAddress});
 }
 

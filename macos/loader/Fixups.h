@@ -34,7 +34,8 @@ public:
 
 private:
     std::uint64_t slotAt(std::uint64_t segment, std::uint64_t offset);
-    Import import(std::string_view symbol, std::int64_t ordinal, Missing missing) const;
+    [[nodiscard]] Import import(std::string_view symbol, std::int64_t ordinal,
+                                Missing missing) const;
 
     const LoadCommands &commands_;
     const Reporter &reporter_;

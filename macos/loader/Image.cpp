@@ -13,7 +13,8 @@
 
 #include <unistd.h>
 
-extern "C" void __cxa_finalize(void *image); // of the C library
+// Of the C library, which declares it in no header.
+extern "C" void runExitFunctions(void *image) asm("__cxa_finalize");
 
 namespace macho {
 
@@ -24,19 +25,18 @@ struct Image::State {
     PreparedImage memory;
     RegisteredFrames frames;
 
-    State(const std::filesystem::path &file, const ImagePlan &plan,
-          const Surroundings &surroundings)
-        : source(file), exports(plan.exports), symbols(plan.symbols), memory(plan, surroundings),
-          frames(std::move(memory.ehFrame)) {
+    State(std::filesystem::path file, const ImagePlan &plan, const Surroundings &surroundings)
+        : source(std::move(file)), exports(plan.exports), symbols(plan.symbols),
+          memory(plan, surroundings), frames(std::move(memory.ehFrame)) {
         std::ranges::sort(symbols);
     }
-    ~State() { __cxa_finalize(address(0)); }
+    ~State() { runExitFunctions(address(0)); }
 
-    void *address(std::uint64_t offset) const {
+    [[nodiscard]] void *address(std::uint64_t offset) const {
         return reinterpret_cast<void *>(memory.mapping.base() + offset);
     }
 
-    void *find(const std::vector<NamedOffset> &names, std::string_view name) const {
+    [[nodiscard]] void *find(const std::vector<NamedOffset> &names, std::string_view name) const {
         const auto found = std::ranges::lower_bound(names, name, {}, &NamedOffset::name);
         return found != names.end() && found->name == name ? address(found->offset) : nullptr;
     }

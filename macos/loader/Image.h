@@ -34,17 +34,17 @@ public:
 
     /// The address of an exported symbol, named without the leading underscore; null when there is
     /// none.
-    void *exportedSymbol(std::string_view name) const;
+    [[nodiscard]] void *exportedSymbol(std::string_view name) const;
     /// The same for every symbol that the file names, local ones too; of several with that name the
     /// first in memory.
-    void *localSymbol(std::string_view name) const;
+    [[nodiscard]] void *localSymbol(std::string_view name) const;
 
     void forEachExport(const std::function<void(std::string_view name, void *address)> &use) const;
     void forEachSymbol(const std::function<void(std::string_view name, void *address)> &use) const;
 
-    void *base() const;       // where the header is
-    std::size_t size() const; // in bytes, whole pages
-    const std::filesystem::path &source() const;
+    [[nodiscard]] void *base() const;       // where the header is
+    [[nodiscard]] std::size_t size() const; // in bytes, whole pages
+    [[nodiscard]] const std::filesystem::path &source() const;
 
 private:
     struct State;

@@ -94,12 +94,12 @@ struct ImagePlan {
     UnwindTable unwind;
 
     /// The section of that name ("__TEXT,__text"); null when there is none.
-    const Section *section(std::string_view name) const;
+    [[nodiscard]] const Section *section(std::string_view name) const;
     /// True when `offset` lies in the file's part of an executable segment.
-    bool isCode(std::uint64_t offset) const;
+    [[nodiscard]] bool isCode(std::uint64_t offset) const;
     /// True when a string that ends with a zero byte stands at `offset`, in the file's part of a
     /// segment that is not written to.
-    bool isText(std::uint64_t offset) const;
+    [[nodiscard]] bool isText(std::uint64_t offset) const;
 };
 
 } // namespace macho

@@ -81,12 +81,13 @@ private:
     void readDynamicSymbolTable() const;
     void readDyldInfo();
     void setExportTable(Bytes table);
-    Bytes readLinkEditData() const;
+    [[nodiscard]] Bytes linkEditData() const;
+    void checkLinkEditData() const { static_cast<void>(linkEditData()); }
     void readPlatform() const;
     void layOut();
 
     template <class Record>
-    Record record() const {
+    [[nodiscard]] Record record() const {
         const auto found = readAt<Record>(command_.bytes, 0);
         if (!found)
             fail("its size is " + std::to_string(command_.bytes.size()) +
@@ -95,11 +96,16 @@ private:
     }
 
     /// The bytes of the file in [offset, offset + size).
-    Bytes content(std::string_view what, std::uint64_t offset, std::uint64_t size) const {
+    [[nodiscard]] Bytes content(std::string_view what, std::uint64_t offset,
+                                std::uint64_t size) const {
+        checkContent(what, offset, size);
+        return file_.subspan(offset, size);
+    }
+
+    void checkContent(std::string_view what, std::uint64_t offset, std::uint64_t size) const {
         if (!rangeFits(offset, size, file_.size()))
             fail(std::string(what) + " takes " + byteRange(offset, size) +
                  " of the file, which ends at " + hex(file_.size()));
-        return file_.subspan(offset, size);
     }
 
     [[noreturn]] void fail(std::string_view what) const {
@@ -136,8 +142,7 @@ void CommandReader::readCommand() {
         return readDyldInfo();
     case format::LC_DYLD_CHAINED_FIXUPS:
         result_.hasChainedFixups = true;
-        readLinkEditData();
-        return;
+        return checkLinkEditData();
     case format::LC_CODE_SIGNATURE:
     case format::LC_SEGMENT_SPLIT_INFO:
     case format::LC_FUNCTION_STARTS:
@@ -145,10 +150,9 @@ void CommandReader::readCommand() {
     case format::LC_DYLIB_CODE_SIGN_DRS:
     case format::LC_LINKER_OPTIMIZATION_HINT:
     case format::LC_ATOM_INFO:
-        readLinkEditData();
-        return;
+        return checkLinkEditData();
     case format::LC_DYLD_EXPORTS_TRIE:
-        return setExportTable(readLinkEditData());
+        return setExportTable(linkEditData());
     case format::LC_BUILD_VERSION:
         return readPlatform();
     case format::LC_ENCRYPTION_INFO_64:
@@ -226,7 +230,7 @@ bool isZeroFilled(std::uint32_t type) {
 
 void CommandReader::readSection(const Segment &segment, std::uint64_t address,
                                 std::uint64_t offset) {
-    const auto record = *readAt<format::section_64>(command_.bytes, offset);
+    const auto record = recordAt<format::section_64>(command_.bytes, offset);
     Section section;
     section.name = segment.name + "," + fixedName(record.sectname);
     section.type = record.flags & format::SECTION_TYPE;
@@ -275,8 +279,8 @@ void CommandReader::readDynamicSymbolTable() const {
     const auto command = record<format::dysymtab_command>();
     if (command.nextrel != 0 || command.nlocrel != 0)
         fail("relocation entries of the old form are not supported");
-    content("the indirect symbol table", command.indirectsymoff,
-            std::uint64_t{command.nindirectsyms} * sizeof(std::uint32_t));
+    checkContent("the indirect symbol table", command.indirectsymoff,
+                 std::uint64_t{command.nindirectsyms} * sizeof(std::uint32_t));
 }
 
 void CommandReader::readDyldInfo() {
@@ -297,7 +301,7 @@ void CommandReader::setExportTable(Bytes table) {
         result_.exportTable = table;
 }
 
-Bytes CommandReader::readLinkEditData() const {
+Bytes CommandReader::linkEditData() const {
     const auto command = record<format::linkedit_data_command>();
     return content("its data", command.dataoff, command.datasize);
 }

@@ -89,7 +89,7 @@ void readSymbols(const LoadCommands &commands, const Reporter &reporter, ImagePl
     const auto count = commands.symbolTable.size() / sizeof(format::nlist_64);
     for (std::size_t index = 0; index < count; ++index) {
         const auto symbol =
-            *readAt<format::nlist_64>(commands.symbolTable, index * sizeof(format::nlist_64));
+            recordAt<format::nlist_64>(commands.symbolTable, index * sizeof(format::nlist_64));
         if (symbol.n_type & format::N_STAB || (symbol.n_type & format::N_TYPE) != format::N_SECT)
             continue;
         const auto where = "symbol " + std::to_string(index);
@@ -122,7 +122,7 @@ void readSections(const Reporter &reporter, ImagePlan &plan) {
             continue;
         for (std::uint64_t at = 0; at + sizeof(std::uint32_t) <= section.size;
              at += sizeof(std::uint32_t))
-            plan.initialiserOffsets.push_back(*readAt<std::uint32_t>(section.content, at));
+            plan.initialiserOffsets.push_back(recordAt<std::uint32_t>(section.content, at));
     }
     for (const auto offset : plan.initialiserOffsets)
         if (!plan.isCode(offset))
@@ -145,11 +145,11 @@ void readUnwindTable(const LoadCommands &commands, const Reporter &reporter, Ima
         plan.unwind.records.push_back(std::move(record));
 }
 
-ImagePlan planImage(Bytes file, const std::string &source) {
+ImagePlan planImage(Bytes file, std::string source) {
     const Reporter reporter(source);
     const auto commands = readLoadCommands(file, reporter);
     ImagePlan plan;
-    plan.source = source;
+    plan.source = std::move(source);
     plan.size = commands.imageSize;
     plan.segments = commands.segments;
     plan.sections = commands.sections;
@@ -212,7 +212,7 @@ MachOFile::MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string sour
     : bytes_(std::move(bytes)) {
     if (isUniversal(bytesOf(*bytes_)))
         selectArchitecture(bytes_, Reporter(source));
-    plan_ = planImage(bytesOf(*bytes_), source);
+    plan_ = planImage(bytesOf(*bytes_), std::move(source));
 }
 
 MachOFile::MachOFile(MachOFile &&) noexcept = default;

@@ -26,7 +26,7 @@ public:
     ~MachOFile();
 
     /// Its views refer to this object's bytes.
-    const ImagePlan &plan() const { return plan_; }
+    [[nodiscard]] const ImagePlan &plan() const { return plan_; }
 
 private:
     MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string source);

@@ -47,10 +47,10 @@ void Mapping::rebase(std::span<const Rebase> rebases) {
 }
 
 void Mapping::protect(const ImagePlan &plan) {
-    for (const auto &segment : plan.segments)
-        setAccess(plan, segment,
-                  (segment.readable ? PROT_READ : 0) | (segment.writable ? PROT_WRITE : 0) |
-                      (segment.executable ? PROT_EXEC : 0));
+    for (const auto &segment : plan.segments) {
+        const int more = segment.writable ? PROT_WRITE : segment.executable ? PROT_EXEC : PROT_NONE;
+        setAccess(plan, segment, (segment.readable ? PROT_READ : PROT_NONE) | more);
+    }
 }
 
 void Mapping::setAccess(const ImagePlan &plan, const Segment &segment, int access) {

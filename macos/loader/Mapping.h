@@ -19,12 +19,12 @@ public:
     Mapping(const Mapping &) = delete;
     Mapping &operator=(const Mapping &) = delete;
 
-    std::uintptr_t base() const { return reinterpret_cast<std::uintptr_t>(memory_); }
-    std::size_t size() const { return size_; }
+    [[nodiscard]] std::uintptr_t base() const { return reinterpret_cast<std::uintptr_t>(memory_); }
+    [[nodiscard]] std::size_t size() const { return size_; }
 
     /// The pointer-sized value at an offset that the plan names; it need not be aligned.
-    std::uintptr_t pointerAt(std::uint64_t offset) const {
-        std::uintptr_t value;
+    [[nodiscard]] std::uintptr_t pointerAt(std::uint64_t offset) const {
+        std::uintptr_t value = 0;
         std::memcpy(&value, memory_ + offset, sizeof value);
         return value;
     }

@@ -18,7 +18,7 @@ class Reporter {
 public:
     explicit Reporter(std::string source) : source_(std::move(source)) {}
 
-    const std::string &source() const { return source_; }
+    [[nodiscard]] const std::string &source() const { return source_; }
     [[noreturn]] void fail(std::string_view what) const;
     /// `where` names a place in the file: a load command, a table.
     [[noreturn]] void fail(std::string_view where, std::string_view what) const;

@@ -23,6 +23,7 @@ void registerSelectors(const ImagePlan &plan, Mapping &mapping,
 
 std::vector<std::uintptr_t> readInitialisers(const ImagePlan &plan, const Mapping &mapping) {
     std::vector<std::uintptr_t> functions;
+    functions.reserve(plan.initialiserOffsets.size() + plan.initialisers.size());
     for (const auto offset : plan.initialiserOffsets)
         functions.push_back(mapping.base() + offset);
     for (const auto slot : plan.initialisers) {

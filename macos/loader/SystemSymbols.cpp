@@ -21,16 +21,17 @@ void bindLazily() {
 }
 
 /// What functions with buffers put behind them to notice overruns. The zero byte stops strings.
-std::uintptr_t stackGuard = [] {
+std::uintptr_t randomGuard() {
     std::uintptr_t value = 0;
     if (getrandom(&value, sizeof value, GRND_NONBLOCK) != sizeof value)
         value = 0x5a17c0de9b3e6d00;
     return value & ~std::uintptr_t{0xff};
-}();
+}
 
 } // namespace
 
 std::span<const BridgeSymbol> systemSymbols() {
+    static std::uintptr_t stackGuard = randomGuard();
     static const auto symbols = std::to_array<BridgeSymbol>({
         {"__error", reinterpret_cast<void *>(errorNumber)},
         {"__stack_chk_guard", &stackGuard},
