@@ -45,9 +45,7 @@ std::string show(Host &host, Argument argument, bool readable) {
         return argument != BooleanByte{} ? "true" : "false";
     else if constexpr (std::is_pointer_v<Argument>)
         return argument == nullptr ? "nil" : "pointer";
-    else if constexpr (std::is_same_v<Argument, float>)
-        return shortest(argument);
-    else if constexpr (std::is_same_v<Argument, double>)
+    else if constexpr (std::is_floating_point_v<Argument>)
         return shortest(argument);
     else
         return std::to_string(argument);

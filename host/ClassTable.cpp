@@ -4,6 +4,7 @@
 #include "host/Names.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace host {
 
@@ -22,7 +23,7 @@ const Method *findMethod(const std::vector<Method> &methods, std::string_view na
 bool accepts(const MethodDeclaration &method, std::size_t argumentCount) {
     const auto required = std::ranges::count_if(
         method.parameters, [](const Parameter &parameter) { return !parameter.defaultValue; });
-    return argumentCount >= static_cast<std::size_t>(required) &&
+    return std::cmp_less_equal(required, argumentCount) &&
            argumentCount <= method.parameters.size();
 }
 
@@ -89,8 +90,8 @@ void ClassTable::add(const ClassSpec &spec) {
         throw UsageError("class " + spec.name + ": data cannot lie inside the object header");
     if (spec.initialData.size() > spec.dataSize)
         throw UsageError("class " + spec.name + ": more initial data than data");
-    const HostClass *superclass = nullptr;
-    if (!spec.superclass.empty() && (superclass = findAny(spec.superclass)) == nullptr)
+    const HostClass *superclass = spec.superclass.empty() ? nullptr : findAny(spec.superclass);
+    if (superclass == nullptr && !spec.superclass.empty())
         throw UsageError("class " + spec.name + ": no superclass " + spec.superclass);
     add(HostClass{.name = spec.name,
                   .superclass = superclass,
@@ -126,6 +127,7 @@ std::vector<const HostClass *> ClassTable::registered() const {
 
 std::vector<const HostClass *> ClassTable::all() const {
     std::vector<const HostClass *> result;
+    result.reserve(classes_.size());
     for (const auto &type : classes_)
         result.push_back(type.get());
     return result;

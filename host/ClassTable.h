@@ -32,8 +32,8 @@ struct Property {
     Value (*read)(const Object &) = nullptr;
     void (*write)(Object &, const Value &) = nullptr;
 
-    bool isField() const { return accessorIsField(getter); }
-    bool isWritable() const { return setter != nullptr || write != nullptr; }
+    [[nodiscard]] bool isField() const { return accessorIsField(getter); }
+    [[nodiscard]] bool isWritable() const { return setter != nullptr || write != nullptr; }
 };
 
 struct Method {
@@ -65,24 +65,26 @@ struct HostClass {
     const PluginClassRecord *record = nullptr; ///< of a plug-in's class
     bool isInternal = false;                   ///< Variant, Array: no program names them
 
-    bool isKindOf(const HostClass &other) const;
+    [[nodiscard]] bool isKindOf(const HostClass &other) const;
     /// All search the superclasses too; null when absent.
-    const Property *property(std::string_view propertyName) const;
+    [[nodiscard]] const Property *property(std::string_view propertyName) const;
     /// The method with this name that can take so many arguments.
-    const Method *method(std::string_view methodName, std::size_t argumentCount) const;
-    const Method *method(const MethodDeclaration &signature) const;
+    [[nodiscard]] const Method *method(std::string_view methodName,
+                                       std::size_t argumentCount) const;
+    [[nodiscard]] const Method *method(const MethodDeclaration &signature) const;
     // Not inherited:
-    const Method *sharedMethod(std::string_view methodName, std::size_t argumentCount) const;
-    const Constant *constant(std::string_view constantName) const;
+    [[nodiscard]] const Method *sharedMethod(std::string_view methodName,
+                                             std::size_t argumentCount) const;
+    [[nodiscard]] const Constant *constant(std::string_view constantName) const;
 };
 
 /// Classes never go and keep their addresses.
 class ClassTable {
 public:
     /// Null when the host does not know the class (hidden ones included).
-    const HostClass *find(std::string_view name) const;
+    [[nodiscard]] const HostClass *find(std::string_view name) const;
     /// Whether hidden or not.
-    const HostClass *findAny(std::string_view name) const;
+    [[nodiscard]] const HostClass *findAny(std::string_view name) const;
     /// Throws UsageError for a name that is taken.
     HostClass &add(HostClass type);
     void add(const ClassSpec &spec);
@@ -92,11 +94,11 @@ public:
 
     /// Where the data of a plug-in's class is placed; objectHeaderSize unless stated.
     void placeData(std::string_view className, std::size_t offset);
-    std::size_t dataOffsetFor(std::string_view className) const;
+    [[nodiscard]] std::size_t dataOffsetFor(std::string_view className) const;
 
     /// In order of registration.
-    std::vector<const HostClass *> registered() const;
-    std::vector<const HostClass *> all() const;
+    [[nodiscard]] std::vector<const HostClass *> registered() const;
+    [[nodiscard]] std::vector<const HostClass *> all() const;
 
 private:
     std::vector<std::unique_ptr<HostClass>> classes_;

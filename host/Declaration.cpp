@@ -276,10 +276,11 @@ std::int64_t parseInteger(std::string_view literal) {
         digits.remove_prefix(2);
     }
     std::uint64_t magnitude = 0;
-    const char *const end = digits.data() + digits.size();
-    const auto [stop, error] =
-        base == 0 ? std::from_chars_result{digits.data(), std::errc::invalid_argument}
-                  : std::from_chars(digits.data(), end, magnitude, base);
+    const char *const start = digits.data();
+    const char *const end = start + digits.size();
+    const auto [stop, error] = base == 0
+                                   ? std::from_chars_result{start, std::errc::invalid_argument}
+                                   : std::from_chars(start, end, magnitude, base);
     // A radix literal is a bit pattern and may fill all 64 bits; a decimal one is a number.
     const std::uint64_t largest =
         base != 10 ? UINT64_MAX : static_cast<std::uint64_t>(INT64_MAX) + (negative ? 1 : 0);

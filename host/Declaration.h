@@ -46,7 +46,7 @@ struct Type {
     std::string className; ///< for object: as written
     bool isArray = false;
 
-    bool isHandle() const;                    ///< passed as a host object or host string
+    [[nodiscard]] bool isHandle() const;      ///< passed as a host object or host string
     bool operator==(const Type &other) const; ///< class names without regard to case
 };
 

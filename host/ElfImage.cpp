@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace host {
@@ -29,7 +30,9 @@ Result must(llvm::Expected<Result> result, const std::filesystem::path &file) {
 
 struct Range {
     std::uint64_t begin, end;
-    bool contains(std::uint64_t address) const { return address >= begin && address < end; }
+    [[nodiscard]] bool contains(std::uint64_t address) const {
+        return address >= begin && address < end;
+    }
 };
 
 /// What is read from the file before any of its code may run.
@@ -72,9 +75,9 @@ public:
     std::vector<Range> readOnlyAfterRelocation;
 
     /// Offsets of the words that the dynamic linker fills with a symbol's address.
-    std::vector<std::uint64_t> slotsOf(const std::string &name) const;
+    [[nodiscard]] std::vector<std::uint64_t> slotsOf(const std::string &name) const;
     /// Every symbol defined here, at its address once the image is loaded.
-    std::vector<ImageSymbol> symbolsAt(std::uint64_t base) const;
+    [[nodiscard]] std::vector<ImageSymbol> symbolsAt(std::uint64_t base) const;
 
 private:
     static std::string archOf(const llvm::object::ELFObjectFileBase &any) {
@@ -187,7 +190,7 @@ void withhold(const ElfPlan &plan, std::uint64_t base, std::uint64_t slot) {
         plan.readOnlyAfterRelocation, [&](const Range &range) { return range.contains(slot); });
     if (isSealed)
         mprotect(page, pageSize, PROT_READ | PROT_WRITE);
-    const void *const nothing = nullptr;
+    const std::uintptr_t nothing = 0;
     std::memcpy(word, &nothing, sizeof nothing);
     if (isSealed)
         mprotect(page, pageSize, PROT_READ);
@@ -199,10 +202,10 @@ public:
         : path_(std::move(path)), base_(base), segments_(plan.segments), entry_(entry),
           symbols_(plan.symbolsAt(base)) {}
 
-    ImageFormat format() const override { return ImageFormat::elf; }
-    const std::filesystem::path &file() const override { return path_; }
-    const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
-    EntryPoint entryPoint() const override { return entry_; }
+    [[nodiscard]] ImageFormat format() const override { return ImageFormat::elf; }
+    [[nodiscard]] const std::filesystem::path &file() const override { return path_; }
+    [[nodiscard]] const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
+    [[nodiscard]] EntryPoint entryPoint() const override { return entry_; }
     bool contains(const void *address) const override {
         const std::uint64_t offset = reinterpret_cast<std::uint64_t>(address) - base_;
         return std::ranges::any_of(segments_,
@@ -239,7 +242,7 @@ std::unique_ptr<Image> openElfImage(const std::filesystem::path &file,
         fail(file, "cannot be loaded: " + reason);
     }
     const link_map *map = nullptr;
-    dlinfo(handle, RTLD_DI_LINKMAP, &map);
+    dlinfo(handle, RTLD_DI_LINKMAP, static_cast<void *>(&map));
     const auto base = static_cast<std::uint64_t>(map->l_addr);
     for (const std::string &name : options.withheldImports)
         for (const std::uint64_t slot : plan.slotsOf(name))

@@ -73,7 +73,7 @@ std::string convertBytes(std::string_view bytes, std::uint32_t from, std::uint32
     const char *next = bytes.data();
     const char *const end = next + bytes.size();
     UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
-    for (bool reset = true; status == U_BUFFER_OVERFLOW_ERROR; reset = false) {
+    for (UBool reset = true; status == U_BUFFER_OVERFLOW_ERROR; reset = false) {
         status = U_ZERO_ERROR;
         char *out = chunk.data();
         ucnv_convertEx(writer.get(), reader.get(), &out, chunk.data() + chunk.size(), &next, end,

@@ -380,6 +380,7 @@ void Heap::checkMemory(Object &object) {
 
 void Heap::checkAllMemory() {
     std::vector<Object *> ordered;
+    ordered.reserve(objects_.size());
     for (const auto &[handle, object] : objects_)
         ordered.push_back(object.get());
     std::ranges::sort(ordered, {}, [](const Object *object) { return object->number; });

@@ -38,7 +38,7 @@ struct Counted {
     Life life = Life::alive;
     History history;
 
-    std::int64_t pluginReferences() const { return references - hostReferences; }
+    [[nodiscard]] std::int64_t pluginReferences() const { return references - hostReferences; }
 };
 
 struct Object : Counted {
@@ -57,7 +57,7 @@ struct String : Counted {
     std::uint32_t encoding = 0;
     std::string bytes;
 
-    StringHandle handle() const {
+    [[nodiscard]] StringHandle handle() const {
         return reinterpret_cast<StringHandle>(const_cast<String *>(this));
     }
 };

@@ -14,7 +14,7 @@ public:
     /// Both texts must live as long as the host: "locked", "REALLockObject".
     void add(const char *what, const char *by) { events_[placeOf(count_++)] = {what, by}; }
     /// "made by PluginNewInstance, locked by REALLockObject, ..., freed by REALUnlockObject"
-    std::string text() const;
+    [[nodiscard]] std::string text() const;
 
 private:
     struct Event {

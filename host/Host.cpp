@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace host {
 
@@ -33,7 +34,8 @@ void *resolve(const char *serviceName) {
 RaisedException seen(ObjectRef exception) {
     const Host &host = Host::current();
     const Object &object = *host.heap().find(exception.handle());
-    RaisedException result{.className = object.type->name, .message = {}, .object = exception};
+    RaisedException result{
+        .className = object.type->name, .message = {}, .object = std::move(exception)};
     if (const auto *data = std::get_if<ExceptionData>(&object.payload)) {
         if (data->message.handle() != nullptr)
             result.message = host.text(data->message.handle());
@@ -41,7 +43,7 @@ RaisedException seen(ObjectRef exception) {
     }
     if (object.type->name == siblings::exceptionClassName) {
         void *cocoa = nullptr;
-        std::memcpy(&cocoa, object.data(), sizeof cocoa);
+        std::memcpy(static_cast<void *>(&cocoa), object.data(), sizeof cocoa);
         result.cocoaName = siblings::cocoaName(cocoa);
         result.cocoaReason = siblings::cocoaReason(cocoa);
     }
@@ -272,6 +274,8 @@ ObjectRef Host::takePending() {
     return std::exchange(state_->pending, ObjectRef{});
 }
 
+// Only memory that runs out could throw here, and then the end of the process is right.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 Host::ExceptionScope::~ExceptionScope() {
     if (before_.handle() != nullptr)
         host_.raise(before_.handle());

@@ -43,8 +43,9 @@ struct MethodDeclaration;
 enum class Siblings { none, exceptions, registry, all };
 
 struct HostOptions {
+    static constexpr double usualVersion = 2013.04;
     /// What REALGetRBVersion answers; nullopt: the service is missing.
-    std::optional<double> version = 2013.04;
+    std::optional<double> version = usualVersion;
     Siblings siblings = Siblings::all;
     /// Off: calls are not recorded (benchmarks). Violations always are.
     bool tracing = true;
@@ -117,7 +118,7 @@ public:
     Outcome call(ObjectHandle object, std::string_view method, const Values &arguments = {});
     Outcome callShared(std::string_view className, std::string_view method,
                        const Values &arguments = {});
-    std::int64_t constant(std::string_view className, std::string_view name) const;
+    [[nodiscard]] std::int64_t constant(std::string_view className, std::string_view name) const;
     /// Drops a reference and shows what the destructors raised, if they ran.
     Outcome release(ObjectRef object);
     StringRef makeString(std::string_view bytes, std::uint32_t encoding = encoding::utf8);
@@ -139,15 +140,15 @@ public:
 
     // What the host saw. Line formats: host/Trace.h.
 
-    std::vector<std::string> trace() const;   ///< everything, in order
-    std::vector<std::string> calls() const;   ///< services and host methods called
-    std::vector<std::string> lookups() const; ///< requests to the resolver
+    [[nodiscard]] std::vector<std::string> trace() const;   ///< everything, in order
+    [[nodiscard]] std::vector<std::string> calls() const;   ///< services and host methods called
+    [[nodiscard]] std::vector<std::string> lookups() const; ///< requests to the resolver
     void clearTrace();
     void setTracing(bool on);
 
     /// In order; empty when the plug-in behaved. Leaks appear after shutDown().
-    const std::vector<std::string> &violations() const;
-    Account account() const;
+    [[nodiscard]] const std::vector<std::string> &violations() const;
+    [[nodiscard]] Account account() const;
     /// Releases what the host itself owns and files everything that is still live, and not held
     /// by an ObjectRef or StringRef, as a leak with its history. A second call does nothing.
     void shutDown();
@@ -158,18 +159,18 @@ public:
     /// The exception raised and not yet seen by a call (raw function calls leave it here). Takes
     /// it off the host.
     std::optional<RaisedException> takePendingException();
-    bool hasPendingException() const;
+    [[nodiscard]] bool hasPendingException() const;
     /// Exceptions raised while no program call was running, or replaced by a later one.
-    const std::vector<RaisedException> &strayExceptions() const;
+    [[nodiscard]] const std::vector<RaisedException> &strayExceptions() const;
 
     /// In order of registration; the pointers that the plug-in passed.
-    std::vector<const PluginClassRecord *> registeredRecords() const;
+    [[nodiscard]] std::vector<const PluginClassRecord *> registeredRecords() const;
     /// Function pointers of a registered class's rows. Throw UsageError when there is no such row
     /// or it has no function.
-    void *getterOf(std::string_view className, std::string_view property) const;
-    void *setterOf(std::string_view className, std::string_view property) const;
-    void *methodOf(std::string_view className, std::string_view method) const;
-    void *sharedMethodOf(std::string_view className, std::string_view method) const;
+    [[nodiscard]] void *getterOf(std::string_view className, std::string_view property) const;
+    [[nodiscard]] void *setterOf(std::string_view className, std::string_view property) const;
+    [[nodiscard]] void *methodOf(std::string_view className, std::string_view method) const;
+    [[nodiscard]] void *sharedMethodOf(std::string_view className, std::string_view method) const;
 
     std::string className(ObjectHandle object) const; ///< "" when not a live object
     std::string name(ObjectHandle object) const;      ///< NSProcessInfoZKT#1
@@ -183,19 +184,19 @@ public:
     bool isLive(ObjectHandle object) const;
     bool isLive(StringHandle string) const;
     std::string bytes(StringHandle string) const;
-    std::uint32_t encodingOf(StringHandle string) const; ///< encoding::unknown for nil
-    std::string text(StringHandle string) const;         ///< in UTF-8
-    std::vector<std::string> liveObjects() const;        ///< NSProcessInfoZKT#1, ...
-    std::vector<std::string> liveStrings() const;
+    std::uint32_t encodingOf(StringHandle string) const;        ///< encoding::unknown for nil
+    std::string text(StringHandle string) const;                ///< in UTF-8
+    [[nodiscard]] std::vector<std::string> liveObjects() const; ///< NSProcessInfoZKT#1, ...
+    [[nodiscard]] std::vector<std::string> liveStrings() const;
 
     // For the parts of the host.
 
     Heap &heap();
-    const Heap &heap() const;
+    [[nodiscard]] const Heap &heap() const;
     ClassTable &classes();
-    const ClassTable &classes() const;
+    [[nodiscard]] const ClassTable &classes() const;
     Trace &tracer();
-    const HostOptions &options() const;
+    [[nodiscard]] const HostOptions &options() const;
     void countCall();
 
     /// The exception becomes pending, with a reference of the host's own; one that was pending
@@ -219,9 +220,9 @@ public:
     /// What a look-up asks for: nothing when the text does not parse (a violation) or the method
     /// is hidden.
     std::optional<MethodDeclaration> parseLookup(const char *declaration);
-    const Method *globalMethod(const MethodDeclaration &signature) const;
+    [[nodiscard]] const Method *globalMethod(const MethodDeclaration &signature) const;
     void setInterfaceVersion(std::int32_t version);
-    std::int32_t interfaceVersion() const; ///< 0 before RegisterPluginVersion
+    [[nodiscard]] std::int32_t interfaceVersion() const; ///< 0 before RegisterPluginVersion
 
 private:
     template <typename Body>

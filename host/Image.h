@@ -36,22 +36,22 @@ class Image {
 public:
     virtual ~Image() = default;
 
-    virtual ImageFormat format() const = 0;
+    [[nodiscard]] virtual ImageFormat format() const = 0;
     /// The file that holds the code (inside a bundle: its executable).
-    virtual const std::filesystem::path &file() const = 0;
+    [[nodiscard]] virtual const std::filesystem::path &file() const = 0;
     /// Every defined symbol, local and hidden ones too.
-    virtual const std::vector<ImageSymbol> &symbols() const = 0;
+    [[nodiscard]] virtual const std::vector<ImageSymbol> &symbols() const = 0;
     /// Never null.
-    virtual EntryPoint entryPoint() const = 0;
+    [[nodiscard]] virtual EntryPoint entryPoint() const = 0;
     /// Whether the address lies in the memory that the image was loaded to.
     virtual bool contains(const void *address) const = 0;
 
     /// By its name in the symbol table; null when absent. Several local symbols of one name: the
     /// first.
-    void *symbol(std::string_view name) const;
+    [[nodiscard]] void *symbol(std::string_view name) const;
     /// By demangled name, e.g. "REALBuildUnicodeString(unsigned char const*, long, unsigned
     /// int)", or by what stands before the parameters when that is unique. Null when absent.
-    void *symbolDemangled(std::string_view name) const;
+    [[nodiscard]] void *symbolDemangled(std::string_view name) const;
 };
 
 /// Opens a Mach-O bundle (the file, or the folder X.bundle around it) or a shared object, and

@@ -214,15 +214,15 @@ private:
     std::deque<ObjectRef> held_;
 };
 
-Value defaultOf(const Parameter &parameter) {
-    const std::string &literal = *parameter.defaultValue;
+/// The value of a default as the declaration writes it.
+Value valueOf(const std::string &literal, const Type &type) {
     if (sameName(literal, "true") || sameName(literal, "false"))
         return sameName(literal, "true");
     if (sameName(literal, "nil"))
         return {};
     if (literal.starts_with('"'))
-        return Value(std::string_view(literal).substr(1, literal.size() - 2));
-    if (parameter.type.kind == TypeKind::real || parameter.type.kind == TypeKind::single)
+        return std::string_view(literal).substr(1, literal.size() - 2);
+    if (type.kind == TypeKind::real || type.kind == TypeKind::single)
         return std::stod(literal);
     return parseInteger(literal);
 }
@@ -232,9 +232,13 @@ void Call::addAll(const std::vector<Parameter> &parameters, const Values &values
         throw UsageError(std::to_string(values.size()) + " arguments for " +
                          std::to_string(parameters.size()) + " parameters");
     for (std::size_t i = 0; i < parameters.size(); ++i) {
-        if (i >= values.size() && !parameters[i].defaultValue)
-            throw UsageError("no argument for the parameter " + parameters[i].name);
-        add(i < values.size() ? values[i] : defaultOf(parameters[i]), parameters[i].type);
+        const Parameter &parameter = parameters[i];
+        if (i < values.size())
+            add(values[i], parameter.type);
+        else if (parameter.defaultValue)
+            add(valueOf(*parameter.defaultValue, parameter.type), parameter.type);
+        else
+            throw UsageError("no argument for the parameter " + parameter.name);
     }
 }
 

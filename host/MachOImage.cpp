@@ -18,10 +18,10 @@ public:
         });
     }
 
-    ImageFormat format() const override { return ImageFormat::machO; }
-    const std::filesystem::path &file() const override { return path_; }
-    const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
-    EntryPoint entryPoint() const override { return entry_; }
+    [[nodiscard]] ImageFormat format() const override { return ImageFormat::machO; }
+    [[nodiscard]] const std::filesystem::path &file() const override { return path_; }
+    [[nodiscard]] const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
+    [[nodiscard]] EntryPoint entryPoint() const override { return entry_; }
     bool contains(const void *address) const override {
         const auto *start = static_cast<const std::byte *>(image_.base());
         return address >= start && address < start + image_.size();

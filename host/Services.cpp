@@ -197,6 +197,7 @@ void *Services::entry(std::string_view name) const {
 const std::vector<std::string_view> &Services::names() {
     static const std::vector<std::string_view> names = [] {
         std::vector<std::string_view> result;
+        result.reserve(std::size(AllServices::entries));
         for (const Entry &entry : AllServices::entries)
             result.push_back(entry.name);
         return result;

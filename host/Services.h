@@ -43,14 +43,14 @@ public:
     }
     void replaceWith(std::string_view name, void *function);
 
-    std::size_t lookups(std::string_view name) const;
-    std::size_t calls(std::string_view name) const;
+    [[nodiscard]] std::size_t lookups(std::string_view name) const;
+    [[nodiscard]] std::size_t calls(std::string_view name) const;
 
     /// The entry point that the resolver gives out; null for an unknown or missing service.
     /// Counts and traces the request.
     void *find(const char *name);
     /// The same without a trace, whatever the mode (benchmarks, tests of the host itself).
-    void *entry(std::string_view name) const;
+    [[nodiscard]] void *entry(std::string_view name) const;
 
     /// Every service, in the order of the table.
     static const std::vector<std::string_view> &names();

@@ -22,6 +22,7 @@ void Trace::addResult(std::size_t place, std::string_view text) {
 
 std::vector<std::string> Trace::all() const {
     std::vector<std::string> result;
+    result.reserve(entries_.size());
     for (const Entry &entry : entries_)
         result.push_back(entry.text);
     return result;

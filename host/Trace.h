@@ -42,7 +42,7 @@ namespace host {
 
 class Trace {
 public:
-    bool on() const { return on_; }
+    [[nodiscard]] bool on() const { return on_; }
     void setOn(bool on) { on_ = on; }
 
     void lookup(std::string_view name, bool found);
@@ -50,9 +50,9 @@ public:
     std::size_t begin(std::string line);
     void addResult(std::size_t place, std::string_view text);
 
-    std::vector<std::string> all() const;
-    std::vector<std::string> calls() const;
-    std::vector<std::string> lookups() const;
+    [[nodiscard]] std::vector<std::string> all() const;
+    [[nodiscard]] std::vector<std::string> calls() const;
+    [[nodiscard]] std::vector<std::string> lookups() const;
     void clear();
 
 private:
@@ -60,7 +60,7 @@ private:
         bool isCall;
         std::string text;
     };
-    std::vector<std::string> select(bool calls) const;
+    [[nodiscard]] std::vector<std::string> select(bool calls) const;
 
     bool on_ = true;
     std::vector<Entry> entries_;

@@ -46,7 +46,7 @@ public:
     static StringRef share(StringHandle handle);
 
     /// Borrowed; valid as long as this owner lives.
-    StringHandle handle() const { return handle_; }
+    [[nodiscard]] StringHandle handle() const { return handle_; }
     operator StringHandle() const { return handle_; }
     /// Gives the reference up to the caller.
     [[nodiscard]] StringHandle release();
@@ -72,7 +72,7 @@ public:
     static ObjectRef adopt(ObjectHandle handle);
     static ObjectRef share(ObjectHandle handle);
 
-    ObjectHandle handle() const { return handle_; }
+    [[nodiscard]] ObjectHandle handle() const { return handle_; }
     operator ObjectHandle() const { return handle_; }
     [[nodiscard]] ObjectHandle release();
     /// What the destructor does, but exceptions pass.
@@ -112,18 +112,18 @@ public:
             emplace<ObjectRef>(std::move(object));
     }
 
-    bool isNil() const { return std::holds_alternative<std::monostate>(*this); }
+    [[nodiscard]] bool isNil() const { return std::holds_alternative<std::monostate>(*this); }
 
     /// Each throws UsageError when the value is something else. A nil value is an empty owner
     /// for string() and object(), and "" for text().
-    std::int64_t integer() const;
-    std::uint64_t unsignedInteger() const;
-    double number() const;
-    bool boolean() const;
-    StringRef string() const;
-    ObjectRef object() const;
+    [[nodiscard]] std::int64_t integer() const;
+    [[nodiscard]] std::uint64_t unsignedInteger() const;
+    [[nodiscard]] double number() const;
+    [[nodiscard]] bool boolean() const;
+    [[nodiscard]] StringRef string() const;
+    [[nodiscard]] ObjectRef object() const;
     /// The string's text in UTF-8.
-    std::string text() const;
+    [[nodiscard]] std::string text() const;
 };
 
 /// For messages: 12, "abc", true, NSProcessInfoZKT#1, nil.
@@ -145,21 +145,22 @@ struct Outcome {
     Value value;
     std::optional<RaisedException> exception;
 
-    bool raised() const { return exception.has_value(); }
+    [[nodiscard]] bool raised() const { return exception.has_value(); }
 
     /// The value of a call that must not have raised: each throws UsageError naming the
     /// exception if there is one.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): procedures are asked only for what it throws.
     const Value &result() const;
-    bool isNil() const { return result().isNil(); }
-    std::int64_t integer() const { return result().integer(); }
-    std::uint64_t unsignedInteger() const { return result().unsignedInteger(); }
-    double number() const { return result().number(); }
-    bool boolean() const { return result().boolean(); }
-    StringRef string() const { return result().string(); }
-    ObjectRef object() const & { return result().object(); }
+    [[nodiscard]] bool isNil() const { return result().isNil(); }
+    [[nodiscard]] std::int64_t integer() const { return result().integer(); }
+    [[nodiscard]] std::uint64_t unsignedInteger() const { return result().unsignedInteger(); }
+    [[nodiscard]] double number() const { return result().number(); }
+    [[nodiscard]] bool boolean() const { return result().boolean(); }
+    [[nodiscard]] StringRef string() const { return result().string(); }
+    [[nodiscard]] ObjectRef object() const & { return result().object(); }
     /// Moved out, so that the owner that it gives is the only one.
     ObjectRef object() &&;
-    std::string text() const { return result().text(); }
+    [[nodiscard]] std::string text() const { return result().text(); }
 };
 
 using Values = std::vector<Value>;

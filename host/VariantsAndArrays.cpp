@@ -62,7 +62,7 @@ ObjectHandle createArray(Host &host, std::int32_t elementType, std::int32_t uppe
         return nullptr;
     }
     ArrayData data{.elementType = elementType, .elements = {}};
-    data.elements.resize(static_cast<std::size_t>(upperBound + 1));
+    data.elements.resize(static_cast<std::size_t>(std::int64_t{upperBound} + 1));
     return makeInternal(host, arrayClassName, std::move(data)).handle();
 }
 

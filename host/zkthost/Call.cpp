@@ -30,7 +30,7 @@ struct Typed {
 };
 
 Value valueOf(Outcome outcome) {
-    if (outcome.raised())
+    if (outcome.exception)
         throw Raised{std::move(*outcome.exception)};
     return std::move(outcome.value);
 }

@@ -5,7 +5,11 @@
 #include "host/zkthost/Options.h"
 
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace zkthost {
 
@@ -17,6 +21,14 @@ bool isNameStart(char c) {
 
 bool isNamePart(char c) {
     return isNameStart(c) || std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+std::optional<std::int64_t> integerIn(std::string_view literal) {
+    try {
+        return host::parseInteger(literal);
+    } catch (const host::DeclarationError &) {
+        return std::nullopt;
+    }
 }
 
 class Parser {
@@ -39,7 +51,7 @@ private:
                          ": " + what + " was expected");
     }
 
-    char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+    [[nodiscard]] char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
 
     void skipBlanks() {
         while (peek() == ' ' || peek() == '\t')
@@ -91,12 +103,8 @@ private:
             const double value = std::strtod(digits.c_str(), &end);
             if (*end == '\0')
                 return value;
-        } else {
-            try {
-                return host::parseInteger(digits);
-            } catch (const host::DeclarationError &) {
-                // said below, with the place
-            }
+        } else if (const auto value = integerIn(digits)) {
+            return *value;
         }
         at_ = start;
         expected("a number");

@@ -51,7 +51,7 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
                    "The plug-in: a Mach-O bundle or a shared object (default: the bundle of this "
                    "build)")
         ->type_name("FILE");
-    double version = *options.host.version;
+    double version = host::HostOptions::usualVersion;
     app.add_option("--host-version", version, "The version that the host reports")
         ->type_name("V")
         ->capture_default_str();

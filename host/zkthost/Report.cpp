@@ -103,7 +103,7 @@ llvm::json::Value jsonOf(const Value &value) {
 
 ReportRow rowOf(std::string name, std::string type, const Outcome &outcome) {
     ReportRow row{.name = std::move(name), .type = std::move(type), .text = {}};
-    if (outcome.raised()) {
+    if (outcome.exception) {
         row.exception = faultOf(*outcome.exception);
         row.text = *row.exception;
     } else {
