@@ -156,7 +156,7 @@ void sendByLibffi(State &state) {
     ffi_type *types[] = {&ffi_type_pointer, &ffi_type_pointer};
     ffi_cif cif;
     ffi_prep_cif(&cif, FFI_DEFAULT_ABI, 2, &ffi_type_uint64, types);
-    void *arguments[] = {&object, &selector};
+    void *arguments[] = {&object, static_cast<void *>(&selector)};
     for (auto _ : state) {
         ffi_arg result = 0;
         ffi_call(&cif, FFI_FN(objc_msg_lookup(object, selector)), &result, arguments);

@@ -47,6 +47,8 @@ static bool measure(const BenchmarkProgram &program) {
     return within && atStartUp == 0;
 }
 
+// What is thrown ends the program and is named as it does.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char **argv) {
     return BenchmarkProgram::run(
         argc, argv, "What calls of the plug-in cost, as ratios to the bare platform", measure);

@@ -24,7 +24,7 @@ double RatioReporter::best(const std::string &benchmark) const {
 }
 
 void RatioReporter::Finalize() {
-    std::sort(order_.begin(), order_.end());
+    std::ranges::sort(order_);
     std::puts("\nBest CPU time of the repetitions, nanoseconds");
     for (const std::string &name : order_)
         std::printf("  %-58s %10.2f\n", name.c_str(), best(name));

@@ -26,10 +26,11 @@ public:
     void Finalize() override;
 
     /// False when a ratio was above its limit.
-    bool allWithinLimits() const { return allWithinLimits_; }
+    [[nodiscard]] bool allWithinLimits() const { return allWithinLimits_; }
 
 private:
-    double best(const std::string &benchmark) const; // nanoseconds; 0 when it was not run
+    /// In nanoseconds; 0 when it was not run.
+    [[nodiscard]] double best(const std::string &benchmark) const;
 
     std::vector<Ratio> ratios_;
     std::vector<std::string> order_;

@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const auto file = macho::MachOFile::parse({data, size}, "input");
         const macho::PreparedImage image(file.plan(), {findImport, selector});
     } catch (const macho::LoadError &) {
-        // What a damaged file deserves.
+        return 0; // what a damaged file deserves
     }
     return 0;
 }

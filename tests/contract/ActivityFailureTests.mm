@@ -11,7 +11,6 @@
 #include <stdexcept>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {

@@ -10,7 +10,6 @@
 #include <stdexcept>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {

@@ -8,9 +8,7 @@
 
 #include <limits>
 
-using testing::AllOf;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -184,8 +182,8 @@ TEST(BeginActivity, KeepsTheReasonForTheProgramToRead) {
                               .object();
     EXPECT_EQ(scene.host.get(activity, "Reason").text(), "warum nicht: Gr\xC3\xBC\xC3\x9F"
                                                          "e");
-    EXPECT_EQ(scene.host.get(activity, "Handle").integer(),
-              reinterpret_cast<std::int64_t>(static_cast<const void *>(scene.token)));
+    const auto *const token = static_cast<const void *>(scene.token);
+    EXPECT_EQ(scene.host.get(activity, "Handle").integer(), reinterpret_cast<std::int64_t>(token));
     EXPECT_EQ(scene.host.get(activity, "Options").integer(), 255);
 }
 
@@ -238,8 +236,8 @@ TEST(BeginActivity, WithoutREALLockStringStoresTheReasonWithoutAReference) {
     EXPECT_EQ(scene.host.references(reason.string().handle()), before);
     EXPECT_EQ(scene.fields(activity).active, 1);
     // Taken out again: the destructor would give back a reference that was never taken.
-    const host::StringHandle none = nullptr;
-    std::memcpy(static_cast<char *>(scene.host.dataOf(activity)) + 8, &none, sizeof none);
+    std::memset(static_cast<char *>(scene.host.dataOf(activity)) + 8, 0,
+                sizeof(host::StringHandle));
 }
 
 TEST(BeginActivity, BeginsARealActivity) {

@@ -9,19 +9,13 @@
 // The program's own functions stand before the C library's, for everything loaded into it.
 // A sanitizer's are reached under the names that it gives its interceptors.
 #if __has_feature(address_sanitizer)
-extern "C" void *__interceptor_malloc(std::size_t);
-extern "C" void *__interceptor_calloc(std::size_t, std::size_t);
-extern "C" void __interceptor_free(void *);
-static constexpr auto systemMalloc = __interceptor_malloc;
-static constexpr auto systemCalloc = __interceptor_calloc;
-static constexpr auto systemFree = __interceptor_free;
+extern "C" void *systemMalloc(std::size_t) asm("__interceptor_malloc");
+extern "C" void *systemCalloc(std::size_t, std::size_t) asm("__interceptor_calloc");
+extern "C" void systemFree(void *) asm("__interceptor_free");
 #else
-extern "C" void *__libc_malloc(std::size_t);
-extern "C" void *__libc_calloc(std::size_t, std::size_t);
-extern "C" void __libc_free(void *);
-static constexpr auto systemMalloc = __libc_malloc;
-static constexpr auto systemCalloc = __libc_calloc;
-static constexpr auto systemFree = __libc_free;
+extern "C" void *systemMalloc(std::size_t) asm("__libc_malloc");
+extern "C" void *systemCalloc(std::size_t, std::size_t) asm("__libc_calloc");
+extern "C" void systemFree(void *) asm("__libc_free");
 #endif
 
 namespace {

@@ -15,9 +15,9 @@ public:
     AllocationSpy &operator=(const AllocationSpy &) = delete;
 
     /// Sizes in bytes, in order; failed ones too. At most the first 64 are kept.
-    std::vector<std::size_t> sizes() const;
+    [[nodiscard]] std::vector<std::size_t> sizes() const;
     /// How many of those kept are not freed yet, whoever has to free them.
-    std::size_t unfreed() const;
+    [[nodiscard]] std::size_t unfreed() const;
 
     /// From now on the image's allocations fail.
     void failAll();

@@ -9,7 +9,6 @@
 
 #include <stdexcept>
 
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -10,7 +10,6 @@
 
 #include <objc/runtime.h>
 
-#include <bit>
 #include <unistd.h>
 
 // As macOS declares it; GNUstep does not.
@@ -29,20 +28,25 @@ protected:
     NSProcessInfo *foundation = [NSProcessInfo processInfo];
 };
 
+// By way of the one type that the compiler lets stand for every function's.
+template <class To, class From>
+To functionAs(From *function) {
+    return reinterpret_cast<To>(reinterpret_cast<void (*)()>(function));
+}
+
 // Foundation's answer in macOS's type, whatever type the header declares.
 template <class Result>
 Result answer(id object, const char *selector) {
     SEL message = sel_registerName(selector);
     IMP method = class_getMethodImplementation(object_getClass(object), message);
-    return std::bit_cast<Result (*)(id, SEL)>(method)(object, message);
+    return functionAs<Result (*)(id, SEL)>(method)(object, message);
 }
 
 IMP foundationsUniqueString = nullptr;
 std::string lastUniqueString;
 
 NSString *noteUniqueString(id self, SEL selector) {
-    NSString *string =
-        std::bit_cast<NSString *(*)(id, SEL)>(foundationsUniqueString)(self, selector);
+    NSString *string = functionAs<NSString *(*)(id, SEL)>(foundationsUniqueString)(self, selector);
     lastUniqueString = [string UTF8String];
     return string;
 }
@@ -63,8 +67,7 @@ TEST_F(ThisProcess, IsNamedAsItsProgram) {
 
 TEST_F(ThisProcess, HasTheUniqueStringThatFoundationMakesForEachReading) {
     Method method = class_getInstanceMethod([NSProcessInfo class], @selector(globallyUniqueString));
-    foundationsUniqueString =
-        method_setImplementation(method, std::bit_cast<IMP>(&noteUniqueString));
+    foundationsUniqueString = method_setImplementation(method, functionAs<IMP>(&noteUniqueString));
     const std::string first = read("globallyUniqueString").text();
     EXPECT_EQ(first, lastUniqueString);
     EXPECT_NE(first, "");
@@ -97,9 +100,9 @@ TEST_F(ThisProcess, HasTheArgumentsOfItsCommandLine) {
 }
 
 TEST_F(ThisProcess, HasAnUptimeThatGrowsWithTheClock) {
-    const double before = answer<double>(foundation, "systemUptime");
+    const auto before = answer<double>(foundation, "systemUptime");
     const double uptime = read("systemUptime").number();
-    const double after = answer<double>(foundation, "systemUptime");
+    const auto after = answer<double>(foundation, "systemUptime");
     EXPECT_GT(before, 0.0);
     EXPECT_LE(before, uptime);
     EXPECT_LE(uptime, after);
@@ -122,7 +125,7 @@ TEST_F(ThisProcess, HasNoThermalStateOnASystemThatReportsNone) {
 
 TEST_F(ThisProcess, HasFoundationsAutomaticTermination) {
     for (const bool enabled : {true, false}) {
-        [foundation setAutomaticTerminationSupportEnabled:enabled];
+        [foundation setAutomaticTerminationSupportEnabled:enabled ? YES : NO];
         EXPECT_EQ(read("automaticTerminationSupportEnabled").boolean(), enabled);
     }
 }

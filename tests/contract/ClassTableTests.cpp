@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::uint64_t hostAccess = 0xFFFFFFFFFFFFFFFF; // an accessor of all ones
-constexpr std::string_view none = "";                    // a slot that names no function
+constexpr std::string_view none;                         // a slot that names no function
 
 constexpr std::size_t classSize = 232;
 constexpr std::size_t propertySize = 96;
@@ -28,25 +28,25 @@ class Record {
 public:
     explicit Record(const void *start) : start_(static_cast<const std::byte *>(start)) {}
 
-    std::uint64_t word(std::size_t offset) const {
-        std::uint64_t value;
+    [[nodiscard]] std::uint64_t word(std::size_t offset) const {
+        std::uint64_t value = 0;
         std::memcpy(&value, start_ + offset, sizeof value);
         return value;
     }
-    std::uint32_t halfWord(std::size_t offset) const {
-        std::uint32_t value;
+    [[nodiscard]] std::uint32_t halfWord(std::size_t offset) const {
+        std::uint32_t value = 0;
         std::memcpy(&value, start_ + offset, sizeof value);
         return value;
     }
-    std::string text(std::size_t offset) const {
+    [[nodiscard]] std::string text(std::size_t offset) const {
         const auto *characters = reinterpret_cast<const char *>(word(offset));
         return characters == nullptr ? "no text" : characters;
     }
     // A row of the table that the slot points to.
-    Record row(std::size_t offset, std::size_t index, std::size_t rowSize) const {
+    [[nodiscard]] Record row(std::size_t offset, std::size_t index, std::size_t rowSize) const {
         return Record(reinterpret_cast<const std::byte *>(word(offset)) + index * rowSize);
     }
-    const std::byte *start() const { return start_; }
+    [[nodiscard]] const std::byte *start() const { return start_; }
 
 private:
     const std::byte *start_;
@@ -162,8 +162,8 @@ protected:
     host::Host host_;
     host::Image &image_ = host_.loadPlugin(imageUnderTest());
 
-    Record processInfo() const { return record(0); }
-    Record activity() const { return record(1); }
+    [[nodiscard]] Record processInfo() const { return record(0); }
+    [[nodiscard]] Record activity() const { return record(1); }
 
     void expectUnused(const Record &row, std::size_t from, std::size_t end) const {
         for (std::size_t offset = from; offset < end; offset += 8)
@@ -211,7 +211,9 @@ protected:
     }
 
 private:
-    Record record(std::size_t index) const { return Record(host_.registeredRecords().at(index)); }
+    [[nodiscard]] Record record(std::size_t index) const {
+        return Record(host_.registeredRecords().at(index));
+    }
 };
 
 } // namespace

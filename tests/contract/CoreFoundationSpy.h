@@ -19,7 +19,7 @@ public:
 
     /// In order, with plain arguments: "CFStringGetLength", "CFStringGetCString(600, 0x08000100)",
     /// "CFDictionaryGetValue", "CFDictionarySetValue", "CFDictionaryRemoveValue".
-    std::vector<std::string> calls() const;
+    [[nodiscard]] std::vector<std::string> calls() const;
 
     /// Runs before each call of the function; may throw.
     void before(std::string_view function, std::function<void()> action);

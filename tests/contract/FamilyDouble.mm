@@ -4,7 +4,6 @@
 
 #include <objc/runtime.h>
 
-#include <bit>
 #include <stdexcept>
 #include <string>
 
@@ -21,9 +20,11 @@ void prepare(id, SEL) {
     preparation();
 }
 
-void addClassMethod(const char *name, IMP function, const char *types) {
+template <class Function>
+void addClassMethod(const char *name, Function *function, const char *types) {
+    const auto method = reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(function));
     Class metaclass = object_getClass([NSException class]);
-    if (!class_addMethod(metaclass, sel_registerName(name), function, types))
+    if (!class_addMethod(metaclass, sel_registerName(name), method, types))
         throw std::logic_error(std::string("NSException has +") + name + " already");
 }
 
@@ -31,10 +32,10 @@ void addClassMethod(const char *name, IMP function, const char *types) {
 
 void familyDouble::addRegistry(std::function<void *()> answer) {
     registryAnswer = std::move(answer);
-    addClassMethod("GetInstancesDictionaryZKT", std::bit_cast<IMP>(&answerRegistry), "^v@:");
+    addClassMethod("GetInstancesDictionaryZKT", answerRegistry, "^v@:");
 }
 
 void familyDouble::addPreparation(std::function<void()> action) {
     preparation = std::move(action);
-    addClassMethod("PrepareNSExceptionZKT", std::bit_cast<IMP>(&prepare), "v@:");
+    addClassMethod("PrepareNSExceptionZKT", prepare, "v@:");
 }

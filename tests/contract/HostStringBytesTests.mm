@@ -5,9 +5,6 @@
 
 #include <gmock/gmock.h>
 
-using testing::Contains;
-using testing::ElementsAre;
-
 using namespace std::string_literals;
 
 namespace {

@@ -10,7 +10,6 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 
@@ -179,7 +178,7 @@ protected:
     const Traced first{"first"}, second{"second"};
 
     void SetUp() override { scene.host.services().replace("REALGetStringCFString", handOut); }
-    std::vector<std::string> requests() const {
+    [[nodiscard]] std::vector<std::string> requests() const {
         std::vector<std::string> result;
         for (const std::string &line : scene.host.trace())
             if (line.find("REALGetStringCFString") != std::string::npos)

@@ -107,10 +107,10 @@ const ReachedService reachedServices[] = {
 
 class LazyBinding : public testing::TestWithParam<ReachedService> {
 protected:
-    const std::string &service() const { return GetParam().name; }
+    [[nodiscard]] const std::string &service() const { return GetParam().name; }
     void run() { GetParam().operation(stage_); }
 
-    std::vector<std::string> lookups() const {
+    [[nodiscard]] std::vector<std::string> lookups() const {
         auto all = stage_.host.lookups();
         std::erase_if(all,
                       [&](const std::string &line) { return !line.ends_with(" " + service()); });

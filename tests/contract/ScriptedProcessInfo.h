@@ -21,5 +21,5 @@ public:
     static std::vector<std::function<id()>> times(std::size_t count, id object);
 
     /// Answers that nobody has asked for.
-    std::size_t left() const;
+    [[nodiscard]] std::size_t left() const;
 };

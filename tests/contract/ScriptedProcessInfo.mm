@@ -25,7 +25,7 @@ id answerNext(id self, SEL selector) {
 
 ScriptedProcessInfo::ScriptedProcessInfo(std::vector<std::function<id()>> answers) {
     script = std::move(answers);
-    std::reverse(script.begin(), script.end());
+    std::ranges::reverse(script);
     foundations =
         method_setImplementation(sharedObjectMethod(), reinterpret_cast<IMP>(&answerNext));
 }

@@ -31,8 +31,11 @@ id processInfo(id self, SEL selector) {
     if (!substitution.image->contains(__builtin_return_address(0)))
         return reinterpret_cast<id (*)(id, SEL)>(substitution.foundations)(self, selector);
     noteInTrace("[NSProcessInfo processInfo]");
-    if (substitution.requestsToAction > 0 && --substitution.requestsToAction == 0)
-        substitution.action();
+    if (substitution.requestsToAction > 0) {
+        --substitution.requestsToAction;
+        if (substitution.requestsToAction == 0)
+            substitution.action();
+    }
     return nextAnswer();
 }
 

@@ -39,7 +39,7 @@ class Derived : public Base {
 public:
     template <class... Arguments>
     explicit Derived(Arguments... arguments) : Base(arguments...) {}
-    const char *what() const noexcept override { return "derived"; }
+    [[nodiscard]] const char *what() const noexcept override { return "derived"; }
 };
 
 template <class Exception, class... Arguments>

@@ -27,8 +27,12 @@ struct Operation {
     const char *method;
     bool takesReason;
 
-    std::string selector() const { return method + std::string(takesReason ? ":" : ""); }
-    host::Values arguments() const { return takesReason ? host::Values{"why"} : host::Values{}; }
+    [[nodiscard]] std::string selector() const {
+        return method + std::string(takesReason ? ":" : "");
+    }
+    [[nodiscard]] host::Values arguments() const {
+        return takesReason ? host::Values{"why"} : host::Values{};
+    }
     friend void PrintTo(const Operation &operation, std::ostream *out) { *out << operation.method; }
 };
 

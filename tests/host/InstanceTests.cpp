@@ -17,23 +17,23 @@ std::int64_t &dataOf(ObjectHandle object) {
 }
 
 void construct(ObjectHandle object) {
-    events.push_back("constructor");
+    events.emplace_back("constructor");
     dataOf(object) = 1;
 }
 void constructorMethod(ObjectHandle object) {
-    events.push_back("Constructor");
+    events.emplace_back("Constructor");
     dataOf(object) += 10;
 }
 void constructorWithValue(ObjectHandle object, std::int64_t value) {
-    events.push_back("Constructor(Integer)");
+    events.emplace_back("Constructor(Integer)");
     dataOf(object) += value;
 }
 void destructorMethod(ObjectHandle object) {
-    events.push_back("Destructor");
+    events.emplace_back("Destructor");
     dataOf(object) += 100;
 }
 void destruct(ObjectHandle object) {
-    events.push_back("destructor");
+    events.emplace_back("destructor");
     valueAtEnd = dataOf(object);
 }
 void raiseIn(ObjectHandle) {
@@ -119,8 +119,8 @@ TEST_F(Instances, WithoutConstructorsAndDestructors) {
 
 TEST_F(Instances, OfSubclassesAreBuiltFromTheTop) {
     type.record.dataSize = 0;
-    type.record.constructor = [](ObjectHandle) { events.push_back("base constructor"); };
-    type.record.destructor = [](ObjectHandle) { events.push_back("base destructor"); };
+    type.record.constructor = [](ObjectHandle) { events.emplace_back("base constructor"); };
+    type.record.destructor = [](ObjectHandle) { events.emplace_back("base destructor"); };
     type.methods.clear();
     type.registerClass();
     FakeClass derived("DerivedZKT");

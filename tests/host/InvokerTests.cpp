@@ -331,7 +331,7 @@ TEST_F(Invoker, FieldsOfHandlesOwnAReferenceOfThePlugin) {
 
 TEST_F(Invoker, Constants) {
     EXPECT_EQ(host.constant("CalledZKT", "answer2"), 42);
-    EXPECT_THROW(host.constant("CalledZKT", "answer3"), UsageError);
+    EXPECT_THROW(static_cast<void>(host.constant("CalledZKT", "answer3")), UsageError);
 }
 
 TEST_F(Invoker, ResultWithoutAReferenceIsAViolation) {
@@ -387,10 +387,10 @@ TEST_F(Invoker, RawFunctionsOfTheRows) {
     EXPECT_EQ(host.sharedMethodOf("CalledZKT", "sum"), pointer(sharedSum));
     EXPECT_EQ(host.getterOf("CalledZKT", "answer"), pointer(getParameter));
     EXPECT_EQ(host.setterOf("CalledZKT", "answer"), pointer(setStored));
-    EXPECT_THROW(host.setterOf("CalledZKT", "text"), UsageError);
-    EXPECT_THROW(host.getterOf("CalledZKT", "Handle"), UsageError);
-    EXPECT_THROW(host.getterOf("Date", "Year"), UsageError);
-    EXPECT_THROW(host.methodOf("CalledZKT", "sum"), UsageError);
+    EXPECT_THROW(static_cast<void>(host.setterOf("CalledZKT", "text")), UsageError);
+    EXPECT_THROW(static_cast<void>(host.getterOf("CalledZKT", "Handle")), UsageError);
+    EXPECT_THROW(static_cast<void>(host.getterOf("Date", "Year")), UsageError);
+    EXPECT_THROW(static_cast<void>(host.methodOf("CalledZKT", "sum")), UsageError);
 }
 
 TEST_F(Invoker, PluginMethodsAreFoundByDeclarationToo) {

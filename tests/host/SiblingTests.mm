@@ -20,7 +20,6 @@
 namespace {
 
 using namespace host;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 ObjectHandle wrap(NSException *exception) {

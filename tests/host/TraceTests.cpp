@@ -2,6 +2,7 @@
 #include "tests/host/FakePlugin.h"
 
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 
 namespace {
@@ -55,7 +56,7 @@ TEST(Trace, NumbersOfEveryKind) {
     unlockObject(real(0.1));
     unlockObject(real(1.0));
     unlockObject(real(std::nan("")));
-    unlockObject(real(-INFINITY));
+    unlockObject(real(-std::numeric_limits<double>::infinity()));
     unlockObject(service<ObjectHandle(float)>("SingleToVariant")(0.5F));
     unlockObject(service<ObjectHandle(std::uint32_t)>("UInt32ToVariant")(UINT32_MAX));
     unlockObject(service<ObjectHandle(bool)>("BooleanToVariant")(true));

@@ -39,19 +39,19 @@ protected:
         commands_.libraries = {{"/first", false}, {"/second", true}};
     }
 
-    ImagePlan rebases(const ByteString &opcodes) const {
+    [[nodiscard]] ImagePlan rebases(const ByteString &opcodes) const {
         return plan([&](macho::Fixups &fixups) { macho::readRebaseOpcodes(opcodes, fixups); });
     }
-    ImagePlan binds(const ByteString &opcodes,
-                    macho::BindTable kind = macho::BindTable::regular) const {
+    [[nodiscard]] ImagePlan binds(const ByteString &opcodes,
+                                  macho::BindTable kind = macho::BindTable::regular) const {
         return plan([&](macho::Fixups &fixups) { macho::readBindOpcodes(opcodes, kind, fixups); });
     }
-    std::string rebaseError(const ByteString &opcodes) const {
-        return error([&] { rebases(opcodes); });
+    [[nodiscard]] std::string rebaseError(const ByteString &opcodes) const {
+        return error([&] { static_cast<void>(rebases(opcodes)); });
     }
-    std::string bindError(const ByteString &opcodes,
-                          macho::BindTable kind = macho::BindTable::regular) const {
-        return error([&] { binds(opcodes, kind); });
+    [[nodiscard]] std::string bindError(const ByteString &opcodes,
+                                        macho::BindTable kind = macho::BindTable::regular) const {
+        return error([&] { static_cast<void>(binds(opcodes, kind)); });
     }
 
     static std::string error(const std::function<void()> &body) {
@@ -258,7 +258,7 @@ ByteString manyNames(std::size_t letters) {
             table.push_back(static_cast<std::uint8_t>(part));
     };
     number(table.size() + 3);
-    const auto leaves = table.size() + 2 + 255 * 5;
+    const auto leaves = table.size() + 2 + std::size_t{255} * 5;
     table.insert(table.end(), {0, 255});
     for (std::size_t i = 0; i < 255; ++i) {
         table.insert(table.end(), {static_cast<std::uint8_t>(i + 1), 0});

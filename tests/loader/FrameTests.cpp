@@ -24,10 +24,10 @@ const char *const frameFunctions[] = {"simple",       "withoutCleanUp",         
 class Frames : public testing::TestWithParam<std::tuple<const char *, const char *>> {
 protected:
     Frames() : image_(std::get<0>(GetParam()), "Frames") {}
-    FrameFunction *function() const {
+    [[nodiscard]] FrameFunction *function() const {
         return image_.function<FrameFunction>(std::get<1>(GetParam()));
     }
-    int cleanUps() const {
+    [[nodiscard]] int cleanUps() const {
         const std::string name = std::get<1>(GetParam());
         return name == "withoutCleanUp" ? 0 : name == "pushesArguments" || name == "nested" ? 2 : 1;
     }

@@ -17,6 +17,7 @@ struct Words {
 };
 
 /// Answered in two registers of the floating-point unit, which no class of C++ is.
+// NOLINTNEXTLINE(modernize-use-using): __extension__ stands before no 'using'.
 __extension__ typedef _Complex long double ComplexLongDouble;
 
 @interface TestAnswerer : NSObject

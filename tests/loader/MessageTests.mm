@@ -21,7 +21,9 @@ protected:
         return image_.function<Function>(name);
     }
 
-    TestAnswerer *answerer() const { return [[[TestAnswerer alloc] init] autorelease]; }
+    [[nodiscard]] TestAnswerer *answerer() const {
+        return [[[TestAnswerer alloc] init] autorelease];
+    }
 
 private:
     NSAutoreleasePool *pool_;

@@ -19,8 +19,8 @@ using macho::LoadOptions;
 
 class PlainImage : public testing::TestWithParam<const char *> {
 protected:
-    LoadedImage load(const LoadOptions &options = {}) const {
-        return LoadedImage(GetParam(), "Plain", options);
+    [[nodiscard]] LoadedImage load(const LoadOptions &options = {}) const {
+        return {GetParam(), "Plain", options};
     }
 };
 INSTANTIATE_TEST_SUITE_P(, PlainImage, testing::ValuesIn(allVariants), variantName);
@@ -201,7 +201,7 @@ TEST_P(PlainImage, withheldStrongImportsAreUnresolved) {
     LoadOptions options;
     options.withheldImports = {"malloc", "hostNumber"};
     try {
-        load(options);
+        static_cast<void>(load(options));
         FAIL() << "loaded";
     } catch (const LoadError &error) {
         const auto file = imageFile(std::string(GetParam()) + "/Plain").string();

@@ -17,6 +17,7 @@ void catchInternally() {
         try {
             throwOutOfRange();
         } catch (const std::logic_error &) {
+            return;
         }
     }
 }

@@ -26,8 +26,8 @@ public:
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;
 
-    int file() const { return file_; }
-    std::string text() const {
+    [[nodiscard]] int file() const { return file_; }
+    [[nodiscard]] std::string text() const {
         struct stat status{};
         check(fstat(file_, &status) < 0 ? errno : 0, "fstat");
         std::string text(static_cast<std::size_t>(status.st_size), '\0');
@@ -53,7 +53,7 @@ public:
         check(posix_spawn_file_actions_addopen(&actions_, file, "/dev/null", O_RDONLY, 0),
               "file actions");
     }
-    const posix_spawn_file_actions_t *get() const { return &actions_; }
+    [[nodiscard]] const posix_spawn_file_actions_t *get() const { return &actions_; }
 
 private:
     posix_spawn_file_actions_t actions_;

@@ -6,7 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include <limits.h>
+#include <climits>
+
 #include <unistd.h>
 
 using testing::HasSubstr;

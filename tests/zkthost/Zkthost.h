@@ -42,8 +42,9 @@ public:
     Folder(const Folder &) = delete;
     Folder &operator=(const Folder &) = delete;
 
+    // NOLINTNEXTLINE(modernize-use-nodiscard): where the file is, is not always asked.
     std::filesystem::path write(std::string_view name, std::string_view bytes) const;
-    const std::filesystem::path &path() const { return path_; }
+    [[nodiscard]] const std::filesystem::path &path() const { return path_; }
 
 private:
     std::filesystem::path path_;
