@@ -18,9 +18,10 @@ struct ProcessInfoAnswers {
     std::uint64_t physicalMemory = 0;
     double systemUptime = 0;
     signed char automaticTerminationSupportEnabled = 0;
-    NSArray *arguments = nil;     // not retained
-    NSException *raising = nil;   // every message raises this instead; not retained
-    std::function<void()> acting; // runs in every message before the answer; may throw
+    NSArray *arguments = nil;        // not retained
+    NSDictionary *environment = nil; // not retained
+    NSException *raising = nil;      // every message raises this instead; not retained
+    std::function<void()> acting;    // runs in every message before the answer; may throw
 };
 
 /// Stands behind an instance in the place of NSProcessInfo, through "Handle": answers in macOS's
@@ -36,6 +37,7 @@ struct ProcessInfoAnswers {
 - (NSString *)hostName;
 - (NSString *)processName;
 - (NSString *)operatingSystemName;
+- (NSDictionary *)environment;
 - (int)processIdentifier;
 - (std::uint64_t)operatingSystem;
 - (std::uint64_t)activeProcessorCount;

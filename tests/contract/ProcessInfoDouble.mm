@@ -50,6 +50,11 @@ static void record(ProcessInfoDouble *self, SEL selector) {
     return answers.string;
 }
 
+- (NSDictionary *)environment {
+    record(self, _cmd);
+    return answers.environment;
+}
+
 - (int)processIdentifier {
     record(self, _cmd);
     return answers.processIdentifier;

@@ -19,7 +19,7 @@ inline void PrintTo(const PropertyRow &row, std::ostream *stream) {
     *stream << row.name;
 }
 
-/// In the order of the class's table; the Dictionary of the environment is not among them.
+/// In the order of the class's table.
 inline const std::vector<PropertyRow> &readProperties() {
     static const std::vector<PropertyRow> rows = {
         {"thermalState", -1, {"respondsToSelector:thermalState", "thermalState"}},
@@ -28,6 +28,7 @@ inline const std::vector<PropertyRow> &readProperties() {
         {"hostName", {}, {"hostName"}},
         {"processName", {}, {"processName"}},
         {"operatingSystemName", {}, {"operatingSystemName"}},
+        {"environment", {}, {"environment"}},
         {"processIdentifier", 0, {"processIdentifier"}},
         {"operatingSystem", 0, {"operatingSystem"}},
         {"activeProcessorCount", 0, {"activeProcessorCount"}},

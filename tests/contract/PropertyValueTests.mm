@@ -135,8 +135,8 @@ TEST_F(PropertyValue, FollowsTheObjectAndIsNotKept) {
     answers.systemUptime = 0.5;
     answers.automaticTerminationSupportEnabled = 1;
     EXPECT_THAT(readAll(), testing::ElementsAre("1", R"("before")", R"("before")", R"("before")",
-                                                R"("before")", R"("before")", "10", "5", "2", "4",
-                                                "1", "1024", "0.5", "true"));
+                                                R"("before")", R"("before")", "nil", "10", "5", "2",
+                                                "4", "1", "1024", "0.5", "true"));
     answers.thermalState = 3;
     answers.string = @"after";
     answers.processIdentifier = 20;
@@ -148,8 +148,8 @@ TEST_F(PropertyValue, FollowsTheObjectAndIsNotKept) {
     answers.systemUptime = 1.5;
     answers.automaticTerminationSupportEnabled = 0;
     EXPECT_THAT(readAll(), testing::ElementsAre("3", R"("after")", R"("after")", R"("after")",
-                                                R"("after")", R"("after")", "20", "6", "1", "8",
-                                                "2", "2048", "1.5", "false"));
+                                                R"("after")", R"("after")", "nil", "20", "6", "1",
+                                                "8", "2", "2048", "1.5", "false"));
 }
 
 TEST_F(PropertyValue, BelongsToTheInstanceThatIsAsked) {

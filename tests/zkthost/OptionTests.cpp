@@ -165,10 +165,11 @@ TEST_P(HostWithout, AServiceIsStillReportedOn) {
         expectBadInput(reported, "NSProcessInfoZKT");
         return;
     }
-    // What such a host has to expect: arguments that it alone could release, and an activity's
-    // reason that is released without having been held.
+    // What such a host has to expect: arguments and entries of the environment that it alone could
+    // release, and an activity's reason that is released without having been held.
     const std::map<std::string, std::string> consequences{
         {"REALUnlockString", "leaked, 1 reference never released"},
+        {"REALUnlockObject", "leaked, 1 reference never released"},
         {"REALLockString", "after it was freed"}};
     if (const auto found = consequences.find(service); found != consequences.end()) {
         EXPECT_EQ(reported.status, 1);

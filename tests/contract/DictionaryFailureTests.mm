@@ -1,0 +1,223 @@
+// Dictionaries when the host lacks something, or something throws on the way.
+
+#import "DictionaryScene.h"
+#import "OwnObject.h"
+
+#include "Caught.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+constexpr const char *made = R"(PluginNewInstance("Dictionary") = Dictionary#1)";
+
+NSNumber *number(int integer) {
+    return [NSNumber numberWithInt:integer];
+}
+
+NSDictionary *oneEntry() {
+    return [NSDictionary dictionaryWithObject:number(1) forKey:number(2)];
+}
+
+/// A traced dictionary over the keys 1 and 2, whose values are the keys or what the test says.
+struct TwoEntries {
+    TwoEntries() {
+        keys->elements = numbers({1, 2});
+        dictionary->keys = keys;
+        dictionary->valueFor = [](id key) { return key; };
+    }
+    operator id() const { return dictionary; }
+
+    OwnObject<TracedArray> keys;
+    OwnObject<TracedDictionary> dictionary;
+};
+
+std::vector<std::string> convertedAndReleased(const host::Host &host) {
+    std::vector<std::string> result;
+    for (const std::string &line : host.calls())
+        if (line.starts_with("IntegerToVariant") || line.starts_with("REALUnlockObject"))
+            result.push_back(line);
+    return result;
+}
+
+void throwingSetter(host::ObjectHandle, host::ObjectHandle, host::ObjectHandle) {
+    throw std::runtime_error("setting");
+}
+void *loadThrowingSetter(host::ObjectHandle, const char *) {
+    return reinterpret_cast<void *>(&throwingSetter);
+}
+
+} // namespace
+
+TEST(DictionaryWithout, ItsClassInTheHostIsNilAndAsksForNothing) {
+    DictionaryScene scene;
+    scene.host.hideClass("Dictionary");
+    EXPECT_EQ(scene.convertObject(TwoEntries()), nullptr);
+    EXPECT_THAT(scene.host.calls(), ElementsAre(R"(PluginNewInstance("Dictionary") = nil)"));
+}
+
+TEST(DictionaryWithout, TheServiceForInstancesIsNilAndAsksForNothing) {
+    DictionaryScene scene;
+    scene.host.services().hide("PluginNewInstance");
+    EXPECT_EQ(scene.convertObject(TwoEntries()), nullptr);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("miss PluginNewInstance"));
+}
+
+TEST(DictionaryWithout, TheServiceForMethodsConvertsAndReleasesAllTheSame) {
+    DictionaryScene scene;
+    scene.host.services().hide("REALLoadObjectMethod");
+    const host::ObjectRef dictionary = scene.convert(TwoEntries());
+    EXPECT_THAT(scene.host.lookups(),
+                ElementsAre("find PluginNewInstance", "find IntegerToVariant",
+                            "miss REALLoadObjectMethod", "miss REALLoadObjectMethod",
+                            "miss REALLoadObjectMethod", "find REALUnlockObject"));
+    EXPECT_THAT(convertedAndReleased(scene.host),
+                ElementsAre("IntegerToVariant(1) = Variant#2", "IntegerToVariant(1) = Variant#3",
+                            "REALUnlockObject(Variant#2)", "REALUnlockObject(Variant#3)",
+                            "IntegerToVariant(2) = Variant#4", "IntegerToVariant(2) = Variant#5",
+                            "REALUnlockObject(Variant#4)", "REALUnlockObject(Variant#5)"));
+    EXPECT_THAT(entriesOf(dictionary), IsEmpty());
+}
+
+TEST(DictionaryWithout, ItsSetterConvertsAndReleasesAllTheSame) {
+    DictionaryScene scene;
+    scene.host.hideMethod(setterDeclaration);
+    const host::ObjectRef dictionary = scene.convert(oneEntry());
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre(made, "IntegerToVariant(2) = Variant#2",
+                            "IntegerToVariant(1) = Variant#3",
+                            request("Dictionary#1", setterDeclaration, "nil"),
+                            request("Dictionary#1", getterDeclaration),
+                            request("Dictionary#1", keyGetterDeclaration),
+                            "REALUnlockObject(Variant#2)", "REALUnlockObject(Variant#3)"));
+    EXPECT_THAT(entriesOf(dictionary), IsEmpty());
+}
+
+TEST(DictionaryWithout, ItsSetterHasNoUseForThatOfAnEarlierDictionary) {
+    DictionaryScene scene;
+    const host::ObjectRef before = scene.convert(oneEntry());
+    scene.host.hideMethod(setterDeclaration);
+    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), IsEmpty());
+    scene.host.showMethod(setterDeclaration);
+    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), ElementsAre("2: 1"));
+}
+
+TEST(DictionaryWithout, ItsGettersIsFilledAllTheSame) {
+    DictionaryScene scene;
+    scene.host.hideMethod(getterDeclaration);
+    scene.host.hideMethod(keyGetterDeclaration);
+    EXPECT_THAT(entriesOf(scene.convert(TwoEntries())), ElementsAre("1: 1", "2: 2"));
+}
+
+TEST(DictionaryWithout, TheServiceThatReleasesKeepsTheEntriesReferences) {
+    DictionaryScene scene;
+    scene.host.services().hide("REALUnlockObject");
+    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), ElementsAre("2: 1"));
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(StartsWith("Variant#2 leaked, 1 reference never released"),
+                            StartsWith("Variant#3 leaked, 1 reference never released")));
+}
+
+TEST(DictionaryWithout, TheServiceForItsKeysHasTheKeyNil) {
+    DictionaryScene scene;
+    scene.host.services().hide("IntegerToVariant");
+    EXPECT_THAT(entriesOf(scene.convert([NSDictionary dictionaryWithObject:@"v" forKey:number(1)])),
+                ElementsAre("nil: \"v\""));
+}
+
+TEST(DictionaryInside, IsNilInItsPlaceWhenTheHostRefusesTheInstance) {
+    DictionaryScene scene;
+    const TwoEntries outer;
+    outer.dictionary->valueFor = [&](id key) -> id {
+        if ([key intValue] == 2)
+            return key;
+        scene.host.hideClass("Dictionary");
+        return oneEntry();
+    };
+    EXPECT_THAT(entriesOf(scene.convert(outer)), ElementsAre("1: nil", "2: 2"));
+}
+
+TEST(DictionaryLeft, ByAValueThatRaisesLeavesNothingBehind) {
+    DictionaryScene scene;
+    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
+    const TwoEntries entries;
+    entries.dictionary->valueFor = [&](id key) -> id {
+        return [key intValue] == 2 ? refusing : key;
+    };
+    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objCType");
+    EXPECT_EQ(scene.host.services().calls("IntegerToVariant"), 3u) << "the second key too";
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByAKeyThatRaisesLeavesNothingBehind) {
+    DictionaryScene scene;
+    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
+    const TwoEntries entries;
+    entries.keys->elements[1] = refusing;
+    entries.dictionary->valueFor = [](id) { return @"v"; };
+    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objCType");
+    EXPECT_EQ(scene.host.services().calls("StringToVariant"), 1u) << "the key's value is not";
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByALookUpThatRaisesLeavesNothingBehind) {
+    DictionaryScene scene;
+    const TwoEntries entries;
+    entries.dictionary->valueFor = [](id) -> id {
+        [NSException raise:@"Refused" format:@"objectForKey"];
+        return nil;
+    };
+    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objectForKey");
+    EXPECT_EQ(scene.host.services().calls("IntegerToVariant"), 0u) << "nor is the key converted";
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByAnInnerDictionaryThatRaisesLeavesNothingBehind) {
+    DictionaryScene scene;
+    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
+    const TwoEntries inner;
+    inner.dictionary->valueFor = [&](id) { return refusing; };
+    TracedDictionary *const innermost = inner.dictionary;
+    NSArray *const array = [NSArray arrayWithObjects:@"a", innermost, nil];
+    NSDictionary *const outer = [NSDictionary dictionaryWithObject:array forKey:@"k"];
+    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(outer); }), "Refused: objCType");
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByASetterThatThrowsLeavesNothingBehind) {
+    DictionaryScene scene;
+    scene.host.services().replace("REALLoadObjectMethod", loadThrowingSetter);
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertObject(oneEntry()); }), "setting");
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByKeysThatBecomeFewerMeanwhileLeavesNothingBehind) {
+    DictionaryScene scene;
+    NSMutableArray *const keys = [NSMutableArray arrayWithObjects:number(1), number(2), nil];
+    const OwnObject<TracedDictionary> source;
+    source->keys = keys;
+    source->valueFor = [&](id key) {
+        [keys removeLastObject];
+        return key;
+    };
+    EXPECT_THAT(cocoaExceptionFrom([&] { scene.convertObject(source); }).value_or(""),
+                StartsWith("NSRangeException"));
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+}
+
+TEST(DictionaryLeft, ByAnExceptionDoesNotHarmTheNext) {
+    DictionaryScene scene;
+    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
+    NSDictionary *const bad = [NSDictionary dictionaryWithObject:refusing forKey:number(1)];
+    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(bad); }), "Refused: objCType");
+    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), ElementsAre("2: 1"));
+}

@@ -1,0 +1,241 @@
+// Strings, URLs that are no files, and data as host values.
+
+#import "OwnObject.h"
+#import "ValueScene.h"
+
+#include "host/Inspect.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+constexpr const char *buildAbc = R"(REALBuildString("abc", 3) = String#1)";
+constexpr const char *declareAbc = "REALSetStringEncoding(String#1, 0x08000100)";
+
+/// The text of a string Variant; fails the test when it is something else.
+std::string textOf(host::Host &host, const host::ObjectRef &converted) {
+    const host::VariantContent content = host::variant(converted);
+    EXPECT_EQ(content.type, host::VariantType::string);
+    return host.text(content.value.string());
+}
+
+/// What the string conversion makes of the object is a string Variant of a null string.
+void expectNullStringVariant(const host::ObjectRef &converted) {
+    ASSERT_NE(converted.handle(), nullptr);
+    const host::VariantContent content = host::variant(converted);
+    EXPECT_EQ(content.type, host::VariantType::string);
+    EXPECT_TRUE(content.value.isNil());
+}
+
+NSURL *webPage() {
+    return [NSURL URLWithString:@"http://example.com/a%20b?q=1#f"];
+}
+
+} // namespace
+
+/// A URL that has no string.
+@interface SilentUrl : NSURL {
+@public
+    int stringRequests;
+}
+@end
+
+@implementation SilentUrl
+
+- (NSString *)absoluteString {
+    ++stringRequests;
+    return nil;
+}
+- (BOOL)isFileURL {
+    return NO;
+}
+
+@end
+
+TEST(StringVariant, IsMadeByTheseCallsAlone) {
+    ValueScene scene;
+    const host::ObjectRef converted = scene.convert(@"abc");
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("find REALBuildString", buildAbc, "find REALSetStringEncoding",
+                            declareAbc, "find StringToVariant",
+                            "StringToVariant(String#1) = Variant#1", "find REALUnlockString",
+                            "REALUnlockString(String#1)"));
+    EXPECT_EQ(textOf(scene.host, converted), "abc");
+}
+
+TEST(StringVariant, HandsOverOneReferenceAndLeavesTheStringToTheVariant) {
+    ValueScene scene;
+    const host::ObjectHandle converted = scene.convertObject(@"abc");
+    EXPECT_EQ(scene.host.references(converted), 1);
+    const host::ObjectRef owner = host::ObjectRef::adopt(converted);
+    {
+        const host::StringRef string = host::variant(owner).value.string();
+        EXPECT_EQ(scene.host.references(string.handle()), 2) << "the Variant's and the test's";
+    }
+}
+
+TEST(StringVariant, IsANewOneEachTime) {
+    ValueScene scene;
+    const host::ObjectRef first = scene.convert(@"abc");
+    const host::ObjectRef second = scene.convert(@"abc");
+    EXPECT_NE(first.handle(), second.handle());
+}
+
+TEST(StringVariant, OfTheEmptyStringHoldsANullString) {
+    ValueScene scene;
+    expectNullStringVariant(scene.convert(@""));
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("find StringToVariant", "StringToVariant(nil) = Variant#1"));
+}
+
+TEST(StringVariant, ComesFromMutableStringsToo) {
+    ValueScene scene;
+    NSMutableString *string = [NSMutableString stringWithString:@"ab"];
+    [string appendString:@"c"];
+    EXPECT_EQ(textOf(scene.host, scene.convert(string)), "abc");
+}
+
+TEST(StringVariant, HasTheTextInUTF8) {
+    ValueScene scene;
+    NSString *const text = [NSString stringWithUTF8String:"Grüße, 世界 \xF0\x9F\x98\x80"];
+    EXPECT_EQ(textOf(scene.host, scene.convert(text)), "Gr\xC3\xBC\xC3\x9F"
+                                                       "e, \xE4\xB8\x96\xE7\x95\x8C "
+                                                       "\xF0\x9F\x98\x80");
+}
+
+TEST(StringVariant, IsNilWithoutTheService) {
+    ValueScene scene;
+    scene.host.services().hide("StringToVariant");
+    EXPECT_EQ(scene.convertObject(@"abc"), nullptr);
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("find REALBuildString", buildAbc, "find REALSetStringEncoding",
+                            declareAbc, "miss StringToVariant", "find REALUnlockString",
+                            "REALUnlockString(String#1)"));
+    EXPECT_EQ(scene.host.account().liveStrings, 0u);
+}
+
+TEST(StringVariant, IsNilWhenTheServiceMakesNone) {
+    ValueScene scene;
+    scene.host.services().answerNull("StringToVariant");
+    EXPECT_EQ(scene.convertObject(@"abc"), nullptr);
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre(buildAbc, declareAbc, "StringToVariant(String#1) = nil",
+                            "REALUnlockString(String#1)"));
+    EXPECT_EQ(scene.host.account().liveStrings, 0u);
+}
+
+TEST(StringVariant, HoldsANullStringWhenTheHostBuildsNone) {
+    ValueScene scene;
+    scene.host.services().hide("REALBuildString");
+    expectNullStringVariant(scene.convert(@"abc"));
+    EXPECT_THAT(scene.host.trace(), ElementsAre("miss REALBuildString", "find StringToVariant",
+                                                "StringToVariant(nil) = Variant#1"));
+}
+
+TEST(StringVariant, IsGivenThoughTheStringCannotBeReleased) {
+    ValueScene scene;
+    scene.host.services().hide("REALUnlockString");
+    EXPECT_EQ(textOf(scene.host, scene.convert(@"abc")), "abc");
+    EXPECT_EQ(scene.host.trace().back(), "miss REALUnlockString");
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(StartsWith("String#1 leaked, 1 reference never released")));
+}
+
+TEST(UrlVariant, IsTheAbsoluteString) {
+    ValueScene scene;
+    const host::ObjectRef converted = scene.convert(webPage());
+    EXPECT_EQ(textOf(scene.host, converted), "http://example.com/a%20b?q=1#f");
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre(R"(REALBuildString("http://example.com/a%20b?q=1#f", 30) = String#1)",
+                            declareAbc, "StringToVariant(String#1) = Variant#1",
+                            "REALUnlockString(String#1)"));
+}
+
+TEST(UrlVariant, IsTheAbsoluteStringOfARelativeUrl) {
+    ValueScene scene;
+    NSURL *const url = [NSURL URLWithString:@"b/c"
+                              relativeToURL:[NSURL URLWithString:@"http://example.com/a/"]];
+    EXPECT_EQ(textOf(scene.host, scene.convert(url)), "http://example.com/a/b/c");
+}
+
+TEST(UrlVariant, IsTheAbsoluteStringOfAFileInNoFolder) {
+    ValueScene scene;
+    NSURL *const url = [NSURL URLWithString:@"file:///no/such/folder/file%20name"];
+    EXPECT_EQ(textOf(scene.host, scene.convert(url)), "file:///no/such/folder/file%20name");
+}
+
+TEST(UrlVariant, HoldsANullStringWhenTheUrlHasNone) {
+    ValueScene scene;
+    SilentUrl *const url = [[[SilentUrl alloc] initWithString:@"silent:url"] autorelease];
+    url->stringRequests = 0;
+    expectNullStringVariant(scene.convert(url));
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("find StringToVariant", "StringToVariant(nil) = Variant#1"));
+    EXPECT_GE(url->stringRequests, 1);
+}
+
+TEST(UrlVariant, HandsOverOneReferenceAndLeavesTheStringToTheVariant) {
+    ValueScene scene;
+    const host::ObjectHandle converted = scene.convertObject(webPage());
+    EXPECT_EQ(scene.host.references(converted), 1);
+    host::ObjectRef owner = host::ObjectRef::adopt(converted);
+    EXPECT_EQ(scene.host.account().liveStrings, 1u);
+    owner.drop();
+    EXPECT_EQ(scene.host.account().liveStrings, 0u);
+}
+
+TEST(UrlVariant, IsNilWithoutTheService) {
+    ValueScene scene;
+    scene.host.services().hide("StringToVariant");
+    EXPECT_EQ(scene.convertObject(webPage()), nullptr);
+    EXPECT_EQ(scene.host.trace().back(), "REALUnlockString(String#1)");
+    EXPECT_EQ(scene.host.account().liveStrings, 0u);
+}
+
+TEST(UrlVariant, IsGivenThoughTheStringCannotBeReleased) {
+    ValueScene scene;
+    scene.host.services().hide("REALUnlockString");
+    EXPECT_EQ(textOf(scene.host, scene.convert(webPage())), "http://example.com/a%20b?q=1#f");
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(StartsWith("String#1 leaked, 1 reference never released")));
+}
+
+TEST(DataValue, IsAMemoryBlockWithTheBytes) {
+    ValueScene scene;
+    const std::string bytes("a\0b\xFF", 4);
+    const host::ObjectHandle converted = scene.convertObject([NSData dataWithBytes:bytes.data()
+                                                                            length:bytes.size()]);
+    EXPECT_EQ(scene.host.className(converted), "MemoryBlock");
+    EXPECT_EQ(scene.host.references(converted), 1);
+    EXPECT_EQ(host::memoryBlockBytes(host::ObjectRef::adopt(converted)), bytes);
+}
+
+TEST(DataValue, ComesFromMutableDataToo) {
+    ValueScene scene;
+    NSMutableData *const data = [NSMutableData dataWithBytes:"ab" length:2];
+    [data appendBytes:"c" length:1];
+    EXPECT_EQ(host::memoryBlockBytes(scene.convert(data)), "abc");
+}
+
+TEST(DataValue, IsNilWhenThereAreNoBytes) {
+    ValueScene scene;
+    EXPECT_EQ(scene.convertObject([NSData data]), nullptr);
+    EXPECT_THAT(scene.host.trace(), IsEmpty());
+}
+
+TEST(DataValue, IsNilWithAnExceptionWithoutTheService) {
+    ValueScene scene;
+    scene.host.services().hide("newMemoryBlock");
+    EXPECT_EQ(scene.convertObject([NSData dataWithBytes:"ab" length:2]), nullptr);
+    const auto raised = scene.host.takePendingException();
+    ASSERT_TRUE(raised.has_value());
+    EXPECT_EQ(raised->className, "OutOfMemoryException");
+}
