@@ -161,3 +161,9 @@ TEST(Image, MayHaveBlanksAndOtherLettersInItsName) {
     fs::copy_file(linuxImage().path, place / "plug in.so");
     expectSuccess(zkthost({"report"}, place / "plug in.so"));
 }
+
+TEST(Surroundings, OfBytesThatAreNotTextAreNoObstacle) {
+    // An e with an accent in ISO Latin 1, a surrogate, a sequence that ends too soon.
+    ASSERT_EQ(setenv("ZKTHOST_TEST", "caf\xE9 \xED\xA0\x80 \xE2\x82", 1), 0);
+    expectSuccess(zkthost({"report"}, macosImage().path));
+}
