@@ -119,7 +119,8 @@ NSDictionary *measurements() {
 NSDictionary *flatDictionary(int count) {
     NSMutableDictionary *result = [NSMutableDictionary dictionary];
     for (int i = 0; i < count; ++i)
-        [result setObject:@(i) forKey:[NSString stringWithFormat:@"key %d", i]];
+        [result setObject:[NSNumber numberWithInt:i]
+                   forKey:[NSString stringWithFormat:@"key %d", i]];
     return result;
 }
 
@@ -237,8 +238,8 @@ std::ptrdiff_t keptAfterConversions(const host::Image &image) {
     const auto convertAll = [&](int rounds) {
         for (int i = 0; i < rounds; ++i) {
             NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
-            for (NSObject *object in mixed)
-                light_host::release(plugin.convert(object));
+            for (NSUInteger j = 0; j < [mixed count]; ++j)
+                light_host::release(plugin.convert([mixed objectAtIndex:j]));
             [pool release];
         }
     };

@@ -133,7 +133,7 @@ void *objectMethod(Cell *, const char *declaration) {
 }
 
 struct Service {
-    std::string_view name;
+    const char *name;
     void *entryPoint;
 };
 
@@ -142,6 +142,7 @@ void *address(Function *function) {
     return reinterpret_cast<void *>(function);
 }
 
+// NOLINTNEXTLINE(bugprone-throwing-static-initialization): nothing in it throws
 const Service services[] = {
     {"REALGetRBVersion", address(version)},
     {"RegisterPluginVersion", address(nothing)},
@@ -166,7 +167,7 @@ const Service services[] = {
 
 void *service(const char *name) {
     for (const Service &each : services)
-        if (each.name == name)
+        if (std::strcmp(each.name, name) == 0)
             return each.entryPoint;
     return nullptr;
 }

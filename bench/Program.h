@@ -15,11 +15,11 @@ public:
     /// Runs measure, which says whether everything was within its limits.
     static int run(int argc, char **argv, const char *description, const Measure &measure);
 
-    const std::string &image() const { return image_; }
+    [[nodiscard]] const std::string &image() const { return image_; }
 
     /// Runs the benchmarks that are registered and prints the ratios. False when one is above its
     /// limit.
-    bool runBenchmarks(std::vector<Ratio> ratios) const;
+    [[nodiscard]] bool runBenchmarks(std::vector<Ratio> ratios) const;
 
 private:
     std::string image_;

@@ -116,9 +116,10 @@ void expect(std::ostream &tree, id object) {
         expectAll(tree, [object allObjects]);
     } else if ([object isKindOfClass:[NSDictionary class]]) {
         tree << '{';
-        for (id key in [object allKeys]) {
-            expect(tree, key);
-            expect(tree, [object objectForKey:key]);
+        NSArray *keys = [object allKeys];
+        for (NSUInteger i = 0; i < [keys count]; ++i) {
+            expect(tree, [keys objectAtIndex:i]);
+            expect(tree, [object objectForKey:[keys objectAtIndex:i]]);
         }
         tree << '}';
     } else {

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerInitialize(int *count, char ***arguments);
@@ -28,7 +28,8 @@ int replayFiles(const std::filesystem::path &folder) {
 }
 
 void tryRandomInputs(int count) {
-    std::mt19937 random{1};
+    // Every run tries the same.
+    std::mt19937 random{1}; // NOLINT(bugprone-random-generator-seed)
     for (int i = 0; i < count; ++i) {
         std::vector<std::uint8_t> bytes(random() % 400);
         for (std::uint8_t &byte : bytes)
@@ -46,7 +47,7 @@ int main(int argc, char **argv) {
         return 2;
     }
     const int files = replayFiles(argv[1]);
-    const int random = std::atoi(argv[2]);
+    const int random = std::stoi(argv[2]);
     tryRandomInputs(random);
     std::printf("%d files and %d random inputs\n", files, random);
     return 0;
