@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/Image.h"
+
+#include <string>
+#include <vector>
+
+/// Counts the classes that one image looks up by name with objc_getClass. One at a time; counts
+/// while it lives.
+class ClassLookupSpy {
+public:
+    explicit ClassLookupSpy(const host::Image &image);
+    ~ClassLookupSpy();
+    ClassLookupSpy(const ClassLookupSpy &) = delete;
+    ClassLookupSpy &operator=(const ClassLookupSpy &) = delete;
+
+    /// How often the name was asked for.
+    [[nodiscard]] std::size_t count(const std::string &name) const;
+};
