@@ -92,6 +92,10 @@ void addDictionary(ClassTable &classes) {
     classes.add(std::move(type));
 }
 
+std::vector<std::pair<Value, Value>> dictionaryObjects(ObjectHandle dictionary) {
+    return inspected<DictionaryData>(Host::current().heap(), dictionary, "Dictionary").entries;
+}
+
 std::vector<std::pair<Value, Value>> dictionaryEntries(ObjectHandle dictionary) {
     std::vector<std::pair<Value, Value>> result;
     for (const auto &[key, stored] :

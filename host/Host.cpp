@@ -99,10 +99,13 @@ Host::Host(HostOptions options) {
     if (!state_->options.version)
         services().hide("REALGetRBVersion");
     const Siblings present = state_->options.siblings;
-    if (present == Siblings::exceptions || present == Siblings::all)
+    const bool allPresent = present == Siblings::all || present == Siblings::wrappers;
+    if (present == Siblings::exceptions || allPresent)
         siblings::installExceptions();
-    if (present == Siblings::registry || present == Siblings::all)
+    if (present == Siblings::registry || allPresent)
         siblings::installRegistry();
+    if (present == Siblings::wrappers)
+        siblings::addWrapperClasses();
 }
 
 Host::~Host() {

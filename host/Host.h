@@ -40,7 +40,8 @@ struct MethodDeclaration;
 
 /// Parts of the plug-in family that are present besides the plug-in: exception support
 /// (NSExceptionZKT and the NSException class methods that make it) and the registry of wrappers.
-enum class Siblings { none, exceptions, registry, all };
+/// With wrappers, the family's wrapper classes are there besides all that.
+enum class Siblings { none, exceptions, registry, all, wrappers };
 
 struct HostOptions {
     static constexpr double usualVersion = 2013.04;

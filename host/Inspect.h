@@ -40,9 +40,12 @@ std::int32_t elementType(ObjectHandle array);
 /// Upper bound plus one.
 std::size_t arrayCount(ObjectHandle array);
 std::vector<Value> arrayElements(ObjectHandle array); ///< Variants unboxed
+std::vector<Value> arrayObjects(ObjectHandle array);  ///< Variants as they are
 
 /// In order of insertion, Variants unboxed.
 std::vector<std::pair<Value, Value>> dictionaryEntries(ObjectHandle dictionary);
+/// The same, Variants as they are.
+std::vector<std::pair<Value, Value>> dictionaryObjects(ObjectHandle dictionary);
 
 struct DateParts {
     std::int64_t year, month, day, hour, minute, second;

@@ -17,6 +17,9 @@ inline constexpr std::string_view exceptionClassName = "NSExceptionZKT";
 void installExceptions();
 /// +[NSException GetInstancesDictionaryZKT], which answers registry().
 void installRegistry();
+/// The wrapper classes of the family, as plain as can be: their instances hold what they wrap, and
+/// when they die they give it back and leave the registry.
+void addWrapperClasses();
 
 enum class ExceptionMaking {
     wrap,      ///< a new NSExceptionZKT that retains the NSException

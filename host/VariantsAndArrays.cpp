@@ -133,6 +133,10 @@ std::size_t arrayCount(ObjectHandle array) {
     return inspected<ArrayData>(Host::current().heap(), array, "array").elements.size();
 }
 
+std::vector<Value> arrayObjects(ObjectHandle array) {
+    return inspected<ArrayData>(Host::current().heap(), array, "array").elements;
+}
+
 std::vector<Value> arrayElements(ObjectHandle array) {
     std::vector<Value> result;
     for (const Value &element :

@@ -206,7 +206,9 @@ std::string inWords(const Value &value) {
     return '(' + text + ')';
 }
 
-std::string inWords(const RaisedException &exception) {
+} // namespace
+
+std::string inWords(const host::RaisedException &exception) {
     std::string text = exception.className;
     if (!exception.cocoaName.empty())
         text += " (" + exception.cocoaName + ')';
@@ -214,8 +216,6 @@ std::string inWords(const RaisedException &exception) {
         text += ": " + *exception.message;
     return text + ", error number " + std::to_string(exception.errorNumber);
 }
-
-} // namespace
 
 CallResult evaluate(Host &host, std::string_view expression) {
     const Expression parsed = parseExpression(expression);

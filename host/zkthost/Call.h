@@ -19,4 +19,7 @@ struct CallResult {
 /// arguments that the declaration does not ask for.
 CallResult evaluate(host::Host &host, std::string_view expression);
 
+/// "NSExceptionZKT (NSRangeException): why, error number 0"
+std::string inWords(const host::RaisedException &exception);
+
 } // namespace zkthost

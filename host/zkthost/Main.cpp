@@ -7,6 +7,8 @@
 #include "host/Description.h"
 #include "host/Host.h"
 #include "host/zkthost/Call.h"
+#include "host/zkthost/CocoaSource.h"
+#include "host/zkthost/Convert.h"
 #include "host/zkthost/ForeignExceptions.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Report.h"
@@ -72,6 +74,30 @@ Status call(host::Host &host, const std::string &expression) {
     return status == fine ? raisedException : status;
 }
 
+zkthost::CocoaSource sourceOf(const zkthost::Options &options) {
+    if (options.propertyList)
+        return zkthost::CocoaSource::propertyList(*options.propertyList);
+    if (options.cocoaClass)
+        return zkthost::CocoaSource::instanceOf(*options.cocoaClass);
+    return zkthost::CocoaSource::example();
+}
+
+Status convert(host::Host &host, const host::Image &image, const zkthost::Options &options) {
+    const zkthost::CocoaSource source = sourceOf(options);
+    const zkthost::Conversion conversion = zkthost::convert(host, image, source);
+    host.shutDown();
+    const host::Account account = host.account();
+    if (!conversion.raised)
+        print(stdout, options.format == host::DescriptionFormat::json
+                          ? conversionAsJson(conversion, account)
+                          : conversion.text + "\n\n" + describe(account) + '\n');
+    const Status status = verdict(host);
+    if (!conversion.raised)
+        return status;
+    complain(conversion.text, raisedException);
+    return status == fine ? raisedException : status;
+}
+
 Status run(host::Host &host, const zkthost::Options &options) {
     host::Image &image = load(host, options);
     if (options.command == zkthost::Command::describe) {
@@ -81,6 +107,8 @@ Status run(host::Host &host, const zkthost::Options &options) {
     }
     if (options.command == zkthost::Command::call)
         return call(host, options.expression);
+    if (options.command == zkthost::Command::convert)
+        return convert(host, image, options);
     const zkthost::Report report = zkthost::makeReport(host, image);
     host.shutDown();
     const host::Account account = host.account();

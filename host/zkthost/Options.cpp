@@ -62,10 +62,12 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     const std::map<std::string, host::Siblings> siblings{{"exceptions", host::Siblings::exceptions},
                                                          {"registry", host::Siblings::registry},
-                                                         {"none", host::Siblings::none}};
-    app.add_option("--sibling", options.host.siblings,
-                   "The sibling parts that are present: exceptions, registry or none (default: "
-                   "exceptions and registry)")
+                                                         {"none", host::Siblings::none},
+                                                         {"wrappers", host::Siblings::wrappers}};
+    app.add_option(
+           "--sibling", options.host.siblings,
+           "The sibling parts that are present: exceptions, registry, none, or wrappers for "
+           "all with the family's wrapper classes (default: exceptions and registry)")
         ->type_name("PART")
         ->transform(CLI::Transformer(siblings));
 
@@ -89,6 +91,18 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
         ->type_name("EXPRESSION")
         ->required();
 
+    CLI::App *convert = app.add_subcommand(
+        "convert", "What the plug-in makes of a Cocoa object; of an example without --plist and "
+                   "--class");
+    CLI::Option *plist = convert
+                             ->add_option("--plist", options.propertyList,
+                                          "A property list file: its contents are the object")
+                             ->type_name("FILE");
+    convert->add_option("--class", options.cocoaClass, "A class to make the object of")
+        ->type_name("NAME")
+        ->excludes(plist);
+    convert->add_option("--format", format, "text or json");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp &) {
@@ -99,10 +113,11 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
     }
     if (app.get_subcommands().empty())
         throw InputError(
-            "no command: describe, report or call (zkthost --help lists what there is)");
-    options.command = describe->parsed() ? Command::describe
-                      : call->parsed()   ? Command::call
-                                         : Command::report;
+            "no command: describe, report, call or convert (zkthost --help lists what there is)");
+    options.command = describe->parsed()  ? Command::describe
+                      : call->parsed()    ? Command::call
+                      : convert->parsed() ? Command::convert
+                                          : Command::report;
     const auto &formats = describe->parsed() ? describeFormats : reportFormats;
     const auto chosen = formats.find(format);
     if (chosen == formats.end())

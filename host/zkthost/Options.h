@@ -13,7 +13,7 @@
 
 namespace zkthost {
 
-enum class Command { describe, report, call };
+enum class Command { describe, report, call, convert };
 
 struct Options {
     Command command = Command::report;
@@ -23,6 +23,9 @@ struct Options {
     host::HostOptions host = {};
     std::vector<std::string> withoutServices = {};
     std::string expression = {}; ///< of call
+    // Of convert, at most one; neither: the example.
+    std::optional<std::filesystem::path> propertyList = {};
+    std::optional<std::string> cocoaClass = {};
 };
 
 /// Input that cannot be worked with: one line for the user.

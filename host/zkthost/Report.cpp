@@ -35,15 +35,17 @@ std::string textOf(const Value &value);
 std::string textOf(ObjectHandle object) {
     const std::string type = Host::current().className(object);
     if (type == "Dictionary")
-        return "Dictionary, " + std::to_string(dictionaryEntries(object).size()) + " entries";
+        return std::to_string(dictionaryEntries(object).size()) + " entries";
     if (type == "Array") {
         std::string text;
         for (const Value &element : arrayElements(object))
             text += (text.empty() ? "" : ", ") + textOf(element);
         return '(' + text + ')';
     }
-    if (type == "Variant")
-        return textOf(unboxed(object));
+    if (type == "Variant") {
+        const Value content = variant(object).value;
+        return content.isNil() ? "" : textOf(content); // the null string
+    }
     return Host::current().name(object);
 }
 
@@ -65,8 +67,10 @@ llvm::json::Value jsonOf(const Value &value);
 
 llvm::json::Value jsonOf(ObjectHandle object) {
     const std::string type = Host::current().className(object);
-    if (type == "Variant")
-        return jsonOf(unboxed(object));
+    if (type == "Variant") {
+        const Value content = variant(object).value;
+        return content.isNil() ? llvm::json::Value("") : jsonOf(content); // the null string
+    }
     if (type == "Array") {
         llvm::json::Array array;
         for (const Value &element : arrayElements(object))
@@ -75,7 +79,7 @@ llvm::json::Value jsonOf(ObjectHandle object) {
     }
     if (type == "Dictionary") {
         llvm::json::Object entries;
-        for (const auto &[key, entry] : dictionaryEntries(object))
+        for (const auto &[key, entry] : dictionaryObjects(object))
             entries[llvm::json::fixUTF8(textOf(key))] = jsonOf(entry);
         return entries;
     }
@@ -137,6 +141,17 @@ std::vector<ReportRow> argumentsOf(Host &host, const ObjectRef &info) {
     return rows;
 }
 
+/// The entries of a dictionary, sorted by key; none when there is no dictionary.
+std::vector<ReportRow> entriesOf(const Outcome &dictionary) {
+    std::vector<ReportRow> rows;
+    if (dictionary.raised() || dictionary.isNil())
+        return rows;
+    for (const auto &[key, value] : dictionaryObjects(dictionary.object()))
+        rows.push_back(rowOf(textOf(key), "Variant", Outcome{.value = value, .exception = {}}));
+    std::ranges::sort(rows, {}, &ReportRow::name);
+    return rows;
+}
+
 /// Begins an activity, looks at it, ends it and looks again.
 std::vector<ReportRow> activityOf(Host &host, const ObjectRef &info) {
     const std::int64_t options = host.constant(className, "NSActivityBackground");
@@ -168,9 +183,12 @@ Report makeReport(Host &host, const Image &image) {
                   .processInfo = rowOf("", std::string(className), shared).text};
     if (!shared.raised() && !shared.isNil()) {
         const ObjectRef info = shared.object();
-        for (const Property &property : type->properties)
-            report.properties.push_back(
-                rowOf(property.name, describe(property.type), host.get(info, property.name)));
+        for (const Property &property : type->properties) {
+            const Outcome outcome = host.get(info, property.name);
+            report.properties.push_back(rowOf(property.name, describe(property.type), outcome));
+            if (sameName(property.name, "environment"))
+                report.environment = entriesOf(outcome);
+        }
         report.arguments = argumentsOf(host, info);
         report.activity = activityOf(host, info);
     }
@@ -210,11 +228,20 @@ std::string reportAsText(const Report &report, bool colours) {
                     printable(row.text) + "\n";
     };
     addRows("Properties", report.properties);
+    addRows("Environment", report.environment);
     addRows("Arguments", report.arguments);
     addRows("An activity, begun and ended", report.activity);
     addRows("Shared methods", report.shared);
     addRows("Constants", report.constants);
     return text;
+}
+
+void writeAccount(llvm::json::OStream &json, const Account &account) {
+    json.attribute("calls", account.calls);
+    json.attribute("liveObjects", account.liveObjects);
+    json.attribute("liveStrings", account.liveStrings);
+    json.attribute("leaks", account.leaks);
+    json.attribute("violations", account.violations);
 }
 
 std::string reportAsJson(const Report &report, const Account &account) {
@@ -234,13 +261,7 @@ std::string reportAsJson(const Report &report, const Account &account) {
         writeRows(json, "activity", report.activity);
         writeRows(json, "sharedMethods", report.shared);
         writeRows(json, "constants", report.constants);
-        json.attributeObject("account", [&] {
-            json.attribute("calls", account.calls);
-            json.attribute("liveObjects", account.liveObjects);
-            json.attribute("liveStrings", account.liveStrings);
-            json.attribute("leaks", account.leaks);
-            json.attribute("violations", account.violations);
-        });
+        json.attributeObject("account", [&] { writeAccount(json, account); });
     });
     return text + '\n';
 }

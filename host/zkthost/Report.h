@@ -26,11 +26,12 @@ struct Report {
     std::string format; ///< of the image
     std::optional<double> hostVersion;
     std::int32_t interfaceVersion = 0;
-    std::string processInfo;                ///< what the shared method gave
-    std::vector<ReportRow> properties = {}; ///< of that object, in table order
-    std::vector<ReportRow> arguments = {};  ///< of the process, by index
-    std::vector<ReportRow> activity = {};   ///< one that was begun and ended for the report
-    std::vector<ReportRow> shared = {};     ///< the other shared methods
+    std::string processInfo;                 ///< what the shared method gave
+    std::vector<ReportRow> properties = {};  ///< of that object, in table order
+    std::vector<ReportRow> environment = {}; ///< its entries, sorted by key; in "properties" too
+    std::vector<ReportRow> arguments = {};   ///< of the process, by index
+    std::vector<ReportRow> activity = {};    ///< one that was begun and ended for the report
+    std::vector<ReportRow> shared = {};      ///< the other shared methods
     std::vector<ReportRow> constants = {};
 };
 
@@ -39,5 +40,8 @@ Report makeReport(host::Host &host, const host::Image &image);
 
 std::string reportAsText(const Report &report, bool colours);
 std::string reportAsJson(const Report &report, const host::Account &account);
+
+/// The account's numbers as attributes of the object that is being written.
+void writeAccount(llvm::json::OStream &json, const host::Account &account);
 
 } // namespace zkthost

@@ -1,9 +1,14 @@
 #include "FileReferences.h"
 
+#include "HfsNames.h"
+
+#include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
@@ -58,11 +63,41 @@ std::optional<std::string> realPath(const std::string &path) {
     return buffer;
 }
 
+// The entry of the folder whose name is the same text, be it composed otherwise.
+std::optional<std::string> entryNamed(const std::string &name, const std::string &folder) {
+    const auto isAscii = [](char unit) { return static_cast<unsigned char>(unit) < 0x80; };
+    const auto wanted = hfsName(name);
+    if (!wanted || std::ranges::all_of(name, isAscii)) { // ASCII has no other form
+        return std::nullopt;
+    }
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; entry != end;
+         entry.increment(error)) {
+        if (hfsName(entry->path().filename().native()) == wanted) {
+            return entry->path();
+        }
+    }
+    return std::nullopt;
+}
+
+// HFS Plus takes names that decompose alike for one name: the path in the spelling that the file
+// system here has, as far as its items exist.
+std::string asStored(const std::string &path) {
+    struct stat status;
+    if (path == "/" || lstat(path.c_str(), &status) == 0 || errno != ENOENT) {
+        return path;
+    }
+    const std::string folder = asStored(parentPath(path));
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return entryNamed(name, folder).value_or(folder == "/" ? folder + name : folder + '/' + name);
+}
+
 // Without symbolic links, "." and "..", except that the last component stays what it is.
 std::optional<std::string> canonicalPath(std::string path) {
     while (path.size() > 1 && path.back() == '/') {
         path.pop_back();
     }
+    path = asStored(path);
     const std::size_t slash = path.rfind('/');
     const std::string name = path.substr(slash + 1);
     if (name.empty() || name == "." || name == "..") {

@@ -2,6 +2,8 @@
 
 #import "Cocoa.h"
 
+#include "../WithoutPrivileges.h"
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -110,6 +112,51 @@ TEST_F(FileReferences, OfOneFileAreAlike) {
     const FSRef first = reference(item);
     const FSRef second = reference(folder() / ".." / folder().filename() / "same");
     EXPECT_EQ(std::memcmp(&first, &second, sizeof first), 0);
+}
+
+TEST_F(FileReferences, FindANameInAnotherFormOfTheSameText) {
+    const fs::path composed = file("caf\xC3\xA9");
+    EXPECT_EQ(path(reference(folder() / "cafe\xCC\x81")), composed);
+    fs::create_directory(folder() / "u\xCC\x88");
+    const fs::path inner = file("u\xCC\x88/o\xCC\x88");
+    EXPECT_EQ(path(reference(folder() / "\xC3\xBC" / "\xC3\xB6")), inner);
+    EXPECT_EQ(path(reference(folder() / "\xC3\xBC" / ".." / "caf\xC3\xA9")), composed);
+    FSRef ref;
+    EXPECT_FALSE(reference(folder() / "cafe", ref));
+    EXPECT_FALSE(reference(folder() / "caf\xC3\xA8", ref));
+}
+
+TEST_F(FileReferences, PreferTheNameAsItIsSpelt) {
+    const fs::path composed = file("\xC3\xA9");
+    const fs::path decomposed = file("e\xCC\x81");
+    EXPECT_EQ(path(reference(composed)), composed);
+    EXPECT_EQ(path(reference(decomposed)), decomposed);
+}
+
+TEST_F(FileReferences, AreNotMadeOfItemsInAFolderThatMayNotBeSearched) {
+    const fs::path closed = folder() / "closed";
+    fs::create_directory(closed);
+    const fs::path item = file("closed/item");
+    fs::permissions(folder(), fs::perms::all);
+    fs::permissions(closed, fs::perms::none);
+    FSRef ref;
+    {
+        const WithoutPrivileges user;
+        EXPECT_FALSE(reference(item, ref));
+        EXPECT_FALSE(reference(closed / "\xC3\xA9", ref));
+        EXPECT_TRUE(reference(closed, ref)) << "the folder itself can be seen";
+    }
+    fs::permissions(closed, fs::perms::all);
+    EXPECT_EQ(path(reference(item)), item);
+}
+
+TEST_F(FileReferences, AreNotMadeOfNamesThatNoFolderCanHold) {
+    FSRef ref;
+    EXPECT_TRUE(reference(file(std::string(255, 'x')), ref));
+    EXPECT_FALSE(reference(folder() / std::string(256, 'x'), ref));
+    EXPECT_FALSE(reference(folder() / std::string(300, 'x'), ref));
+    EXPECT_FALSE(reference(folder() / std::string(300, 'x') / "below", ref));
+    EXPECT_FALSE(reference(std::string(5000, '/') + std::string(5000, 'x'), ref));
 }
 
 TEST_F(FileReferences, ExpireWithTheirFile) {

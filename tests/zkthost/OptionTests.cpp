@@ -58,15 +58,15 @@ TEST_P(CommandLine, TakesTheSameMissingServiceTwice) {
 TEST(Help, ListsTheCommandsTheOptionsAndTheServices) {
     const Finished run = zkthost({"--help"});
     expectSuccess(run);
-    for (const char *word :
-         {"describe", "report", "--image", "--host-version", "--without", "--sibling"})
+    for (const char *word : {"describe", "report", "call", "convert", "--image", "--host-version",
+                             "--without", "--sibling"})
         EXPECT_THAT(run.out, HasSubstr(word));
     for (const std::string_view service : host::Services::names())
         EXPECT_THAT(run.out, HasSubstr("\n  " + std::string(service) + "\n"));
 }
 
 TEST(Help, IsThereForEachCommand) {
-    for (const char *command : {"describe", "report"}) {
+    for (const char *command : {"describe", "report", "convert"}) {
         const Finished run = zkthost({command, "--help"});
         expectSuccess(run);
         EXPECT_THAT(run.out, HasSubstr("--format"));
@@ -110,6 +110,10 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCommandLine{"UnknownSibling", {"report", "--sibling", "cousin"}, "cousin"},
         WrongCommandLine{"VersionThatIsNoNumber", {"report", "--host-version", "new"}, "new"},
         WrongCommandLine{"UnknownReportFormat", {"report", "--format", "xml"}, "xml"},
+        WrongCommandLine{"UnknownConvertFormat", {"convert", "--format", "xml"}, "xml"},
+        WrongCommandLine{"ConvertWithoutFile", {"convert", "--plist"}, "--plist"},
+        WrongCommandLine{"ConvertWithoutClass", {"convert", "--class"}, "--class"},
+        WrongCommandLine{"PropertyListOfAReport", {"report", "--plist", "a"}, "--plist"},
         WrongCommandLine{"ReportAsMarkdown", {"report", "--format", "markdown"}, "markdown"},
         WrongCommandLine{"UnknownDescribeFormat", {"describe", "--format", "yaml"}, "yaml"}),
     [](const auto &parameter) { return parameter.param.name; });
@@ -168,6 +172,7 @@ TEST_P(HostWithout, AServiceIsStillReportedOn) {
     // What such a host has to expect: arguments and entries of the environment that it alone could
     // release, and an activity's reason that is released without having been held.
     const std::map<std::string, std::string> consequences{
+        {"REALUnlockObject", "leaked, 1 reference never released"},
         {"REALUnlockString", "leaked, 1 reference never released"},
         {"REALUnlockObject", "leaked, 1 reference never released"},
         {"REALLockString", "after it was freed"}};

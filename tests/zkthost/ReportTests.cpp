@@ -6,8 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <climits>
-
+#include <cstdlib>
 #include <unistd.h>
 
 using testing::HasSubstr;
@@ -174,9 +175,42 @@ TEST_P(Report, FollowsTheHostsVersion) {
 }
 
 TEST_P(Report, WorksWithEachSiblingAlone) {
-    for (const char *sibling : {"exceptions", "registry", "none"}) {
+    for (const char *sibling : {"exceptions", "registry", "none", "wrappers"}) {
         SCOPED_TRACE(sibling);
         const auto report = json({"--sibling", sibling});
         EXPECT_EQ(arrayMember(report, "properties").size(), std::size(expectedProperties));
     }
+}
+
+TEST_P(Report, ShowsTheEnvironmentAsADictionary) {
+    setenv("ZKTHOST_TEXT", "one \"two\" \xC3\xA9", 1);
+    setenv("ZKTHOST_EMPTY", "", 1);
+    const auto report = json();
+    const auto &environment = property(report, "environment");
+    EXPECT_EQ(stringMember(environment, "ZKTHOST_TEXT"), "one \"two\" \xC3\xA9");
+    EXPECT_EQ(stringMember(environment, "ZKTHOST_EMPTY"), "");
+    EXPECT_EQ(stringMember(environment, "PATH"), getenv("PATH"));
+    std::size_t count = 0;
+    while (environ[count] != nullptr)
+        ++count;
+    EXPECT_EQ(environment.getAsObject()->size(), count);
+}
+
+TEST_P(Report, ListsTheEnvironmentSortedByName) {
+    setenv("ZKTHOST_B", "line\nbreak", 1);
+    setenv("ZKTHOST_A", "some text", 1);
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    const auto lines = linesOf(text.out);
+    const auto first = std::ranges::find(lines, "Environment");
+    ASSERT_NE(first, lines.end());
+    const auto last = std::find(first, lines.end(), "");
+    EXPECT_TRUE(std::is_sorted(first + 1, last));
+    const auto row = std::ranges::find_if(
+        first, last, [](const std::string &line) { return line.starts_with("  ZKTHOST_A "); });
+    ASSERT_NE(row, last);
+    EXPECT_THAT(row[0], MatchesRegex("  ZKTHOST_A +Variant +some text"));
+    EXPECT_THAT(row[1], MatchesRegex("  ZKTHOST_B +Variant +line break"));
+    EXPECT_THAT(text.out, testing::ContainsRegex("\n  environment +Dictionary +" +
+                                                 std::to_string(last - first - 1) + " entries\n"));
 }

@@ -1,0 +1,193 @@
+#include "host/zkthost/ValueTree.h"
+
+#include "host/Host.h"
+#include "host/Inspect.h"
+#include "host/Trace.h"
+
+#include <llvm/Support/raw_ostream.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace zkthost {
+
+namespace {
+
+using namespace host;
+using Json = llvm::json::Value;
+
+constexpr std::size_t shownBytes = 16; // of a memory block
+
+std::string counted(std::size_t count, std::string_view one, std::string_view many) {
+    return std::to_string(count) + ' ' + std::string(count == 1 ? one : many);
+}
+
+/// As JSON writes it: readable, and on one line whatever is in it.
+std::string quoted(const std::string &utf8) {
+    std::string text;
+    llvm::raw_string_ostream(text) << Json(llvm::json::fixUTF8(utf8));
+    return text;
+}
+
+std::string shortestSingle(double number) {
+    std::array<char, 32> text{};
+    const auto [end, error] =
+        std::to_chars(text.data(), text.data() + text.size(), static_cast<float>(number));
+    return {text.data(), end};
+}
+
+std::string firstBytes(ObjectHandle block, std::string_view separator) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : memoryBlockBytes(block).substr(0, shownBytes)) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += text.empty() ? "" : separator;
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+std::string dateText(ObjectHandle date) {
+    const DateParts parts = dateParts(date);
+    std::array<char, 128> text{};
+    std::snprintf(text.data(), text.size(), "%04lld-%02lld-%02lld %02lld:%02lld:%02lld",
+                  static_cast<long long>(parts.year), static_cast<long long>(parts.month),
+                  static_cast<long long>(parts.day), static_cast<long long>(parts.hour),
+                  static_cast<long long>(parts.minute), static_cast<long long>(parts.second));
+    return text.data();
+}
+
+/// A value that holds no others, by its type, the value as text and the value as JSON.
+struct Leaf {
+    std::string type;
+    std::string text;
+    Json json;
+};
+
+Leaf leafOf(const VariantContent &content) {
+    const Value &value = content.value;
+    switch (content.type) {
+    case VariantType::string:
+        return {"String", quoted(value.text()), llvm::json::fixUTF8(value.text())};
+    case VariantType::integer:
+        return {"Integer", std::to_string(value.integer()), value.integer()};
+    case VariantType::uint32:
+        return {"UInt32", std::to_string(value.unsignedInteger()), value.unsignedInteger()};
+    case VariantType::boolean:
+        return {"Boolean", value.boolean() ? "true" : "false", value.boolean()};
+    case VariantType::real:
+    case VariantType::single:
+        break;
+    }
+    const bool isSingle = content.type == VariantType::single;
+    const double number = value.number();
+    return {isSingle ? "Single" : "Double", isSingle ? shortestSingle(number) : shortest(number),
+            std::isfinite(number) ? Json(number) : Json(nullptr)};
+}
+
+struct Entry {
+    std::string key; ///< as text
+    Value keyValue;
+    Value value;
+};
+
+std::vector<Entry> sortedEntries(ObjectHandle dictionary);
+
+/// Adds the value to the line that was begun, and lines for what it holds.
+void addTree(std::string &text, const Value &value, std::size_t depth) {
+    const ObjectRef object = box(value);
+    const std::string type = Host::current().className(object);
+    const std::string indentation = '\n' + std::string(2 * depth + 2, ' ');
+    if (object.handle() == nullptr) {
+        text += "nil";
+    } else if (type == "Variant") {
+        const Leaf leaf = leafOf(variant(object));
+        text += leaf.type == "String" ? leaf.text : leaf.type + ' ' + leaf.text;
+    } else if (type == "Array") {
+        const std::vector<Value> elements = arrayObjects(object);
+        text += "Array, " + counted(elements.size(), "element", "elements");
+        for (std::size_t i = 0; i < elements.size(); ++i) {
+            text += indentation + std::to_string(i) + ": ";
+            addTree(text, elements[i], depth + 1);
+        }
+    } else if (type == "Dictionary") {
+        const std::vector<Entry> entries = sortedEntries(object);
+        text += "Dictionary, " + counted(entries.size(), "entry", "entries");
+        for (const Entry &entry : entries) {
+            text += indentation + entry.key + ": ";
+            addTree(text, entry.value, depth + 1);
+        }
+    } else if (type == "Date") {
+        text += "Date " + dateText(object);
+    } else if (type == "MemoryBlock") {
+        const std::uint64_t size = memoryBlockSize(object);
+        text += "MemoryBlock, " + counted(size, "byte", "bytes") + (size > 0 ? ": " : "") +
+                firstBytes(object, " ") + (size > shownBytes ? " ..." : "");
+    } else if (type == "FolderItem") {
+        text += "FolderItem " + quoted(folderItem(object).path.string());
+    } else {
+        text += type;
+    }
+}
+
+std::vector<Entry> sortedEntries(ObjectHandle dictionary) {
+    std::vector<Entry> entries;
+    for (const auto &[key, value] : dictionaryObjects(dictionary))
+        entries.push_back({treeAsText(key), key, value});
+    std::ranges::sort(entries, {}, &Entry::key);
+    return entries;
+}
+
+Json arrayAsJson(ObjectHandle array) {
+    llvm::json::Array elements;
+    for (const Value &element : arrayObjects(array))
+        elements.push_back(treeAsJson(element));
+    return elements;
+}
+
+Json entriesAsJson(ObjectHandle dictionary) {
+    llvm::json::Array entries;
+    for (const Entry &entry : sortedEntries(dictionary))
+        entries.push_back(llvm::json::Object{{"key", treeAsJson(entry.keyValue)},
+                                             {"value", treeAsJson(entry.value)}});
+    return entries;
+}
+
+} // namespace
+
+std::string treeAsText(const Value &value) {
+    std::string text;
+    addTree(text, value, 0);
+    return text;
+}
+
+Json treeAsJson(const Value &value) {
+    const ObjectRef object = box(value);
+    if (object.handle() == nullptr)
+        return nullptr;
+    const std::string type = Host::current().className(object);
+    llvm::json::Object json{{"type", type}};
+    if (type == "Variant") {
+        Leaf leaf = leafOf(variant(object));
+        json["type"] = leaf.type;
+        json["value"] = std::move(leaf.json);
+    } else if (type == "Array") {
+        json["elements"] = arrayAsJson(object);
+    } else if (type == "Dictionary") {
+        json["entries"] = entriesAsJson(object);
+    } else if (type == "Date") {
+        json["value"] = dateText(object);
+    } else if (type == "MemoryBlock") {
+        json["size"] = memoryBlockSize(object);
+        json["bytes"] = firstBytes(object, "");
+    } else if (type == "FolderItem") {
+        json["path"] = llvm::json::fixUTF8(folderItem(object).path.string());
+    }
+    return json;
+}
+
+} // namespace zkthost
