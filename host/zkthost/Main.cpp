@@ -9,6 +9,7 @@
 #include "host/zkthost/Call.h"
 #include "host/zkthost/CocoaSource.h"
 #include "host/zkthost/Convert.h"
+#include "host/zkthost/CrashMessage.h"
 #include "host/zkthost/ForeignExceptions.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Report.h"
@@ -17,6 +18,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,6 +85,11 @@ zkthost::CocoaSource sourceOf(const zkthost::Options &options) {
 }
 
 Status convert(host::Host &host, const host::Image &image, const zkthost::Options &options) {
+    // Not every class bears an instance that only init has prepared.
+    std::optional<zkthost::CrashMessage> guard;
+    if (options.cocoaClass)
+        guard.emplace("zkthost: --class " + *options.cocoaClass +
+                      ": Foundation crashed with an instance that alloc and init made");
     const zkthost::CocoaSource source = sourceOf(options);
     const zkthost::Conversion conversion = zkthost::convert(host, image, source);
     host.shutDown();

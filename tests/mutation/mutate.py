@@ -234,7 +234,7 @@ class Workbench:
         self.source = ROOT / "build/mutate/source"
         self.build = ROOT / "build/mutate/linux"
         self.image = self.build / "NSProcessInfoZKT.so"
-        self.tests = ROOT / "build/linux/tests/contract/contract_tests"
+        self.tests = ROOT / "build/mutate/contract_tests"
 
     def prepare(self):
         shutil.rmtree(self.source, ignore_errors=True)
@@ -244,6 +244,8 @@ class Workbench:
             if (ROOT / name).is_file():
                 (self.source / name).parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy2(ROOT / name, self.source / name)
+        # A copy, so that the tree can be built meanwhile.
+        shutil.copy2(ROOT / "build/linux/tests/contract/contract_tests", self.tests)
         subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
                         "-DBUILD_BENCHMARKS=OFF"],
                        cwd=self.source, check=True, stdout=subprocess.DEVNULL)
