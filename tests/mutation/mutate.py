@@ -109,6 +109,18 @@ def table_mutants(path, text):
                              + text[begin:end] + text[next_end:])
 
 
+def swapped_tests(path, text):
+    """Neighbouring conditions that each decide the result, as a chain of tests has them."""
+    tests = list(re.finditer(r"^    if \([^\n]*\)\n        return [^;{}]*;\n", text, flags=re.M))
+    for first, second in zip(tests, tests[1:]):
+        between = text[first.end(): second.start()]
+        if re.fullmatch(r"(\s|//[^\n]*\n|    Class \w+ = [^;]*;\n)*", between):
+            yield Mutant(path, line_of(text, first.start()),
+                         f"tests swapped: {short(first.group(), 40)} and {short(second.group(), 40)}",
+                         text[: first.start()] + between + second.group() + first.group()
+                         + text[second.end():])
+
+
 def statements(code):
     """Ranges of simple statements in functions."""
     for match in re.finditer(r"(?<=[;{}):])\n(?P<indent>    +)(?P<body>[^\s{}#][^;{}]*;)", code):
@@ -204,6 +216,7 @@ def swapped_arguments(path, text):
                              + text[begin:stop] + text[next_stop:])
 
 
+ORDER_OPERATORS = (table_mutants, swapped_tests)
 CODE_OPERATORS = (deleted_statements, negated_conditions, replaced_operators, changed_constants,
                   changed_texts, swapped_arguments)
 
@@ -216,7 +229,7 @@ def mutants(tables_only, pattern):
             if file.suffix not in (".cpp", ".mm", ".h") or not re.search(pattern, path):
                 continue
             text = file.read_text()
-            for operator in (table_mutants,) if tables_only else (table_mutants, *CODE_OPERATORS):
+            for operator in ORDER_OPERATORS if tables_only else ORDER_OPERATORS + CODE_OPERATORS:
                 for mutant in operator(path, text):
                     if mutant.text != text:
                         found.setdefault(mutant.text, mutant)
@@ -344,7 +357,8 @@ def without_line(mutant):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--tables", action="store_true", help="only rows of tables: deleted, swapped")
+    parser.add_argument("--tables", action="store_true", help="only what has an order: rows of tables deleted and swapped, "
+                        "neighbouring tests swapped")
     parser.add_argument("--files", default="", help="only files whose path matches")
     parser.add_argument("--list", action="store_true", help="print the mutants and stop")
     parser.add_argument("--jobs", type=int, default=2, help="tests at a time")
