@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -26,7 +27,7 @@ REALobjectStruct *newLargeBlock(std::int64_t size) {
     return block.handOver();
 }
 
-// The method is loaded from a scratch block, so that the new one stays untouched if it need not.
+// From a scratch block; from the new one only if there is no other.
 void loadDataPointerMethod(REALobjectStruct *block) {
     ObjectReference scratch{REALNewMemoryBlockOriginal(scratchSize)};
     myMemoryBlockGetPtr = reinterpret_cast<DataPointerMethod *>(

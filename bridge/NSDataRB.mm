@@ -2,8 +2,8 @@
 
 #include <Foundation/Foundation.h>
 
-// Sends the messages only: catching C++ exceptions is another file's business, as one file has one
-// kind of exception handling.
+// Sends the messages and no more: with GCC's runtime, an Objective-C++ file cannot catch C++
+// exceptions.
 REALobjectStruct *NSDataRB(NSData *data) {
     if (data == nil)
         return nullptr;

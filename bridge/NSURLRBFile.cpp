@@ -77,9 +77,9 @@ REALobjectStruct *folderItemByPath(const FSRef &item) {
         return nullptr;
     StringReference text{REALBuildUnicodeString(
         path.data(), static_cast<std::int64_t>(std::strlen(path.data())), HostEncoding::utf8)};
-    REALobjectStruct *result = trueFolderItem(text.get());
+    ObjectReference result{trueFolderItem(text.get())};
     text.reset();
-    return result;
+    return result.handOver();
 }
 
 // The name in the form in which file systems store it, cut to what a name can hold.

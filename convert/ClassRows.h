@@ -21,8 +21,6 @@ struct ClassRow {
 
 namespace ways {
 
-// The ways to convert an object, as the rows have them.
-
 template <auto convert>
 REALobjectStruct *value(NSObject *object, const char *) {
     return convert((id)object);
@@ -54,11 +52,11 @@ inline constexpr ClassRow classRows[] = {
     {"NSData", ways::value<NSDataRB>},
     {"NSArray", ways::value<newHostArray>},
     {"NSSet", ways::value<newHostArrayOfSet>},
-    {nullptr, ways::value<newBooleanVariant>}, // numbers too, which they must not become
+    {nullptr, ways::value<newBooleanVariant>}, // are NSNumbers too, but no numbers
     {"NSNumber", ways::value<newNumberVariant>},
     {"NSDate", ways::value<newHostDate>},
     {"NSDictionary", ways::value<NSDictionaryRB>},
-    {"NSPathComponentCell", ways::registered}, // before NSTextFieldCell
+    {"NSPathComponentCell", ways::registered}, // before NSCell
     {"NSPathCell", ways::registered},          // before NSCell
     {"NSPathControl", ways::registered},       // before NSView
     {"NSPipe", ways::registered},
@@ -76,9 +74,9 @@ inline constexpr ClassRow classRows[] = {
     {"NSImageView", ways::registered},           // before NSView
     {"NSPopUpButton", ways::registered},         // before NSView
     {"NSTextField", ways::registered},           // before NSView
-    {"NSSearchFieldCell", ways::registered},     // before NSTextFieldCell
+    {"NSSearchFieldCell", ways::registered},     // before NSCell
     {"NSSecureTextField", ways::registered},     // hidden by NSTextField
-    {"NSSecureTextFieldCell", ways::registered}, // before NSTextFieldCell
+    {"NSSecureTextFieldCell", ways::registered}, // before NSCell
     {"NSApplication", ways::registered},         // before NSResponder
     {"NSSearchField", ways::registered},         // hidden by NSTextField
     {"NSTabView", ways::registered},             // before NSView
@@ -168,3 +166,5 @@ inline constexpr ClassRow classRows[] = {
 inline constexpr std::size_t valueRowCount = 9;
 inline constexpr std::size_t booleanRow = 5;
 static_assert(classRows[booleanRow].cocoaClass == nullptr);
+static_assert(classRows[valueRowCount - 1].convert == ways::value<NSDictionaryRB> &&
+              classRows[valueRowCount].convert == ways::registered);

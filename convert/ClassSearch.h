@@ -7,6 +7,6 @@
 // NSObject's own.
 const ClassRow *classRowOf(NSObject *object);
 
-// The first of the classes from later systems that the object is a kind of, by name; or null. Each
-// is looked up when an object first comes this far, once in a process.
+// The first of the classes that a process may lack that the object is a kind of, by name; or null.
+// Each is looked up when an object first comes this far, once in a process.
 const char *lateClassOf(NSObject *object);

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <dlfcn.h>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -17,8 +18,9 @@ using RowIndex = std::uint8_t;
 constexpr RowIndex noRow = std::numeric_limits<RowIndex>::max();
 static_assert(std::size(classRows) < noRow);
 
-// The rows by class name: open addressing, with names placed by the first characters behind the
-// prefix, which all have. Most names that are looked up are in no row, and soon found out.
+// The rows by class name: open addressing, with names placed by the first three characters behind
+// the prefix that all have. Most names that are looked up are in no row, and mostly their place is
+// empty: nearly all are told apart without reading them whole.
 class RowsByName {
 public:
     constexpr RowsByName() {
@@ -86,27 +88,41 @@ bool isKindOf(NSObject *object, const char *className) {
     return nullptr;
 }
 
-// What Foundation has for as long as this plug-in, which is linked with it: the classes of the
-// value rows and NSObject. They need to be looked up once only. With NSObject goes what it answers
-// to the two messages that say what an object is a kind of; a method that is replaced later counts
-// as another answer.
+// Foundation's classes of the value rows, and NSObject. The plug-in is linked with it, so they are
+// there as long as the plug-in is, and are looked up once.
+constinit bool foundationLookedUp = false;
 constinit Class valueClasses[valueRowCount] = {};
 constinit Class rootClass = Nil;
-constinit IMP classOfNSObject = nullptr; // where isKindOfClass: begins on some systems
+
+// NSObject's own methods; null when they had been replaced by the first conversion. On macOS,
+// isKindOfClass: begins with the answer to class, so both must be its own.
 constinit IMP isKindOfClassOfNSObject = nullptr;
+constinit IMP classOfNSObject = nullptr;
+
+// A method of a class that stands in the same library as the class, else null.
+IMP ownMethod(Class cls, SEL selector) {
+    IMP method = class_getMethodImplementation(cls, selector);
+    Dl_info ofMethod{};
+    Dl_info ofClass{};
+    const bool isOwn = dladdr(reinterpret_cast<const void *>(method), &ofMethod) != 0 &&
+                       dladdr((const void *)cls, &ofClass) != 0 &&
+                       ofMethod.dli_fbase == ofClass.dli_fbase;
+    return isOwn ? method : nullptr;
+}
 
 [[gnu::noinline, gnu::cold]] void lookUpFoundation() {
     for (std::size_t row = 0; row != valueRowCount; ++row)
         if (row != booleanRow)
             valueClasses[row] = objc_getClass(classRows[row].cocoaClass);
     rootClass = [NSObject class];
-    classOfNSObject = class_getMethodImplementation(rootClass, @selector(class));
-    isKindOfClassOfNSObject = class_getMethodImplementation(rootClass, @selector(isKindOfClass:));
+    isKindOfClassOfNSObject = ownMethod(rootClass, @selector(isKindOfClass:));
+    classOfNSObject = ownMethod(rootClass, @selector(class));
+    foundationLookedUp = true;
 }
 
 // Whether objects of the class are a kind of it and its superclasses, and of nothing else.
 bool answersAsNSObject(Class cls) {
-    return isKindOfClassOfNSObject != nullptr &&
+    return isKindOfClassOfNSObject != nullptr && classOfNSObject != nullptr &&
            class_getMethodImplementation(cls, @selector(isKindOfClass:)) ==
                isKindOfClassOfNSObject &&
            class_getMethodImplementation(cls, @selector(class)) == classOfNSObject;
@@ -173,7 +189,7 @@ constexpr LateClass *lateClasses[] = {&NSUserNotificationClass, &NSDraggingImage
 } // namespace
 
 const ClassRow *classRowOf(NSObject *object) {
-    if (isKindOfClassOfNSObject == nullptr) [[unlikely]]
+    if (!foundationLookedUp) [[unlikely]]
         lookUpFoundation();
     Class cls = object_getClass(object);
     return answersAsNSObject(cls) ? firstRowOfAncestors(object, cls) : firstRowByMessages(object);

@@ -9,7 +9,7 @@ REALobjectStruct *newHostArray(NSArray *array) {
         return nullptr;
     NSEnumerator *elements = [array objectEnumerator];
     std::int64_t index = 0;
-    for (id element = [elements nextObject]; element != nil; element = [elements nextObject]) {
+    while (id element = [elements nextObject]) {
         ObjectReference value{NewVariantFromNSObject(element)};
         if (ObjectInsertProcedure *insert = REALInsertArrayValueObject(result.get()))
             insert(result.get(), index, value.get());
@@ -25,22 +25,32 @@ REALobjectStruct *newHostArrayOfSet(NSSet *set) {
 
 namespace {
 
+using SetValue = void(REALobjectStruct *dictionary, REALobjectStruct *key, REALobjectStruct *value);
+
 // The methods of the Dictionary that is being filled. Converting a nested dictionary takes them
-// over and leaves them to nobody, so the outer one looks them up again.
+// over and leaves them to nobody, so the outer one looks them up again. The getters are looked up
+// with the setter for the host to see, and are not called.
 constinit REALobjectStruct *LastDictionary = nullptr;
-constinit void *LastDictionarySetter = nullptr;
+constinit SetValue *LastDictionarySetter = nullptr;
 constinit void *LastDictionaryGetter = nullptr;
 constinit void *LastDictionaryKeyGetter = nullptr;
 
-using SetValue = void(REALobjectStruct *dictionary, REALobjectStruct *key, REALobjectStruct *value);
-
 void loadMethods(REALobjectStruct *dictionary) {
     LastDictionary = dictionary;
-    LastDictionarySetter =
-        REALLoadObjectMethod(dictionary, "Value(key As Variant, Assigns _value As Variant)");
+    LastDictionarySetter = reinterpret_cast<SetValue *>(
+        REALLoadObjectMethod(dictionary, "Value(key As Variant, Assigns _value As Variant)"));
     LastDictionaryGetter = REALLoadObjectMethod(dictionary, "Value(key As Variant) As Variant");
     LastDictionaryKeyGetter = REALLoadObjectMethod(dictionary, "Key(index As Integer) As Variant");
 }
+
+// Leaves the methods to nobody at the end, also when an exception passes: the instance is gone
+// then, and another one may stand at its address.
+struct MethodsInUse {
+    MethodsInUse() = default;
+    ~MethodsInUse() { LastDictionary = nullptr; }
+    MethodsInUse(const MethodsInUse &) = delete;
+    MethodsInUse &operator=(const MethodsInUse &) = delete;
+};
 
 } // namespace
 
@@ -53,6 +63,7 @@ REALobjectStruct *NSDictionaryRB(NSDictionary *dictionary) {
     NSArray *keys = [dictionary allKeys];
     if (keys == nil)
         return result.handOver();
+    const MethodsInUse methods;
     const NSUInteger count = [keys count];
     for (NSUInteger i = 0; i < count; ++i) {
         id cocoaKey = [keys objectAtIndex:i];
@@ -61,11 +72,10 @@ REALobjectStruct *NSDictionaryRB(NSDictionary *dictionary) {
         ObjectReference value{NewVariantFromNSObject(cocoaValue)};
         if (LastDictionary != result.get())
             loadMethods(result.get());
-        if (auto *setValue = reinterpret_cast<SetValue *>(LastDictionarySetter))
-            setValue(result.get(), key.get(), value.get());
+        if (LastDictionarySetter != nullptr)
+            LastDictionarySetter(result.get(), key.get(), value.get());
         key.reset();
         value.reset();
     }
-    LastDictionary = nullptr;
     return result.handOver();
 }

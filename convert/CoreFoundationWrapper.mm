@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <iterator>
 
-// Core Foundation's objects answer it; Cocoa's own do not.
+// The number of an object's Core Foundation type.
 @interface NSObject (CoreFoundationType)
 - (CFTypeID)_cfTypeID;
 @end

@@ -4,6 +4,7 @@
 #include "convert/CoreFoundationWrapper.h"
 #include "convert/Values.h"
 #include "convert/WrapperFactory.h"
+#include "frame/CocoaInit.h"
 #include "frame/FamilyHooks.h"
 
 #include <objc/runtime.h>

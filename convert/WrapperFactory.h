@@ -8,9 +8,6 @@
 // that wraps them; results are owned by the caller, and null where the host does not know the
 // class.
 
-// The instance that the family's registry holds for the object, or null.
-REALobjectStruct *registeredWrapper(NSObject *object);
-
 // The registered instance, or a new one of the host class of that Cocoa class, which is entered in
 // the registry.
 REALobjectStruct *newRegisteredWrapper(NSObject *object, const char *cocoaClass);

@@ -51,27 +51,17 @@ REALobjectStruct *walkClasses(NSObject *object, Class required) {
 
 } // namespace
 
-REALobjectStruct *registeredWrapper(NSObject *object) {
-    if (instances == nullptr)
-        return nullptr;
-    auto *known = static_cast<REALobjectStruct *>(
-        const_cast<void *>(CFDictionaryGetValue(instances, object)));
-    if (known != nullptr)
-        REALLockObject(known);
-    return known;
-}
-
 REALobjectStruct *newRegisteredWrapper(NSObject *object, const char *cocoaClass) {
     if (REALobjectStruct *known = registeredWrapper(object))
         return known;
-    REALobjectStruct *instance =
+    REALobjectStruct *made =
         REALnewInstance(HostClassName(cocoaClass, std::strlen(cocoaClass)).text());
-    if (instance == nullptr)
+    if (made == nullptr)
         return nullptr;
-    wrapping(object, instance);
+    ObjectReference instance{wrapping(object, made)};
     if (instances != nullptr)
-        CFDictionarySetValue(instances, object, instance);
-    return instance;
+        CFDictionarySetValue(instances, object, instance.get());
+    return instance.handOver();
 }
 
 REALobjectStruct *NewNSObjectZKT(NSObject *object, Class required) {

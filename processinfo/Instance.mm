@@ -37,14 +37,8 @@ REALobjectStruct *processInfo() {
         NSProcessInfo *shared = [NSProcessInfo processInfo];
         if (shared == nil)
             return nullptr;
-        if (instances != nullptr) {
-            auto *known = static_cast<REALobjectStruct *>(
-                const_cast<void *>(CFDictionaryGetValue(instances, shared)));
-            if (known != nullptr) {
-                REALLockObject(known);
-                return known;
-            }
-        }
+        if (REALobjectStruct *known = registeredWrapper(shared))
+            return known;
         REALobjectStruct *instance = REALnewInstance("NSProcessInfoZKT");
         if (instance != nullptr)
             bind(instance, shared);

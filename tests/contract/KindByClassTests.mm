@@ -34,6 +34,11 @@ struct KindByClass : testing::Test {
     host::Host &host = scene.host;
 
     KindByClass() {
+        // What the plug-in took for a replacement passes for the system's own from here on.
+        scene.convert(@"");
+        *imageFunction<IMP>(scene.image, "(anonymous namespace)::isKindOfClassOfNSObject") =
+            implementationOf(isKindByClass);
+        host.clearTrace();
         scene.know("NSImageZKT");
         scene.know("NSShadowZKT");
         scene.know("NSObjectZKT");
@@ -77,4 +82,29 @@ TEST_F(KindByClass, AnObjectIsAKindOfTheClassThatItTells) {
     expectWrapper(makeDisguised("ToldImage", classNamed("NSShadow"), saysImage), "NSImageZKT",
                   true);
     expectWrapper(makeDisguised("ToldImageToo", [NSObject class], saysImage), "NSImageZKT", true);
+}
+
+namespace {
+
+// Takes the place of NSObject's own before the first conversion, as a sibling might have done.
+BOOL isNoImage(id self, SEL, Class wanted) {
+    for (Class each = object_getClass(self); each != Nil; each = class_getSuperclass(each))
+        if (each == wanted)
+            return wanted != classNamed("NSImage");
+    return NO;
+}
+
+} // namespace
+
+TEST(KindByReplacement, IsAskedForAlthoughTheReplacementIsOlderThanTheFirstConversion) {
+    DispatchScene scene;
+    scene.know("NSImageZKT");
+    const id image = [[[classNamed("NSImage") alloc] init] autorelease];
+    const Method method = class_getInstanceMethod([NSObject class], @selector(isKindOfClass:));
+    const IMP before = method_setImplementation(method, implementationOf(isNoImage));
+    const host::ObjectRef made = scene.convert(image);
+    method_setImplementation(method, before);
+    // By the name of its class in the end, and not by the row.
+    EXPECT_EQ(scene.host.className(made), "NSImageZKT");
+    EXPECT_EQ(host::siblings::registered((const void *)image), nullptr);
 }

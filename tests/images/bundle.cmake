@@ -9,7 +9,8 @@ list(TRANSFORM exported REPLACE "^0x[0-9A-F]+ +" "")
 expect_equal("exports" "${exported}" "_REALPluginMain")
 
 # The C library and the dynamic linker export these everywhere.
-set(libSystem ___bzero ___stack_chk_fail ___stack_chk_guard __Unwind_Resume _calloc _free _memcmp _memcpy
+set(libSystem ___bzero ___stack_chk_fail ___stack_chk_guard __Unwind_Resume _calloc _dladdr _free _memcmp
+    _memcpy
     _memset _pthread_self _snprintf _strcmp _strlen dyld_stub_binder)
 file(STRINGS ${IMPORTS} allowed REGEX "^[^#]")
 output_of(undefined llvm-nm -m --undefined-only ${executable})

@@ -4,7 +4,7 @@
 Each mutant is one edit of one source file. The Linux object is built from a copy of the tree, and the
 contract tests run on it, each in a process of its own, until one fails: first those that noticed
 earlier mutants of the same file, then the others, fastest first. A mutant that no test notices
-survives; equivalent.txt says of survivors why no test can notice them.
+survives. Mutants that no test can notice stand in equivalent.txt, with the reason, and are passed over.
 """
 
 import argparse
@@ -97,7 +97,8 @@ def table_mutants(path, text):
             continue
         rows = [trimmed(code, *row) for row in split_at_commas(code, opening + 1, closing(code, opening))]
         for index, (begin, end) in enumerate(rows):
-            stop = rows[index + 1][0] if index + 1 < len(rows) else end
+            after_last = end + 1 if code[end: end + 1] == "," else end
+            stop = rows[index + 1][0] if index + 1 < len(rows) else after_last
             yield Mutant(path, line_of(text, begin), f"row deleted: {short(text[begin:end])}",
                          text[:begin] + text[stop:])
             if index + 1 < len(rows):
@@ -226,12 +227,12 @@ def mutants(tables_only, pattern):
     for folder in FOLDERS:
         for file in sorted((ROOT / folder).iterdir()):
             path = f"{folder}/{file.name}"
-            if file.suffix not in (".cpp", ".mm", ".h") or not re.search(pattern, path):
+            if file.suffix not in (".cpp", ".mm", ".h"):
                 continue
             text = file.read_text()
             for operator in ORDER_OPERATORS if tables_only else ORDER_OPERATORS + CODE_OPERATORS:
                 for mutant in operator(path, text):
-                    if mutant.text != text:
+                    if mutant.text != text and re.search(pattern, str(mutant)):
                         found.setdefault(mutant.text, mutant)
     return list(found.values())
 
@@ -359,12 +360,13 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--tables", action="store_true", help="only what has an order: rows of tables deleted and swapped, "
                         "neighbouring tests swapped")
-    parser.add_argument("--files", default="", help="only files whose path matches")
+    parser.add_argument("--match", default="", metavar="REGEX",
+                        help="only mutants whose line in the list matches")
     parser.add_argument("--list", action="store_true", help="print the mutants and stop")
     parser.add_argument("--jobs", type=int, default=2, help="tests at a time")
     options = parser.parse_args()
 
-    todo = mutants(options.tables, options.files)
+    todo = mutants(options.tables, options.match)
     if options.list:
         print(*todo, sep="\n")
         print(f"{len(todo)} mutants")
@@ -374,9 +376,12 @@ def main():
     bench.prepare()
     order = TestOrder(timed_run(bench))
     equivalent = known_equivalents()
-    killed = rejected = 0
-    survivors, explained = [], []
+    killed = rejected = explained = 0
+    survivors = []
     for number, mutant in enumerate(todo, 1):
+        if without_line(mutant) in equivalent:
+            explained += 1
+            continue
         bench.apply(mutant.path, mutant.text)
         if not bench.compiles():
             rejected += 1
@@ -385,18 +390,15 @@ def main():
             killed += 1
             order.noticed(mutant.path, name)
             outcome = f"noticed by {name}"
-        elif without_line(mutant) in equivalent:
-            explained.append(mutant)
-            outcome = "equivalent"
         else:
             survivors.append(mutant)
             outcome = "SURVIVED"
         bench.apply(mutant.path, (ROOT / mutant.path).read_text())
         print(f"[{number}/{len(todo)}] {mutant}: {outcome}", flush=True)
 
-    tested = len(todo) - rejected - len(explained)
+    tested = len(todo) - rejected - explained
     print(f"\n{len(todo)} mutants: {rejected} do not compile, {killed} noticed, "
-          f"{len(explained)} equivalent, {len(survivors)} survived"
+          f"{explained} equivalent, {len(survivors)} survived"
           + (f" ({100 * killed / tested:.1f} % noticed)" if tested else ""))
     for mutant in survivors:
         print(f"  survived: {mutant}")
