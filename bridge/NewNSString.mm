@@ -36,6 +36,8 @@ CFStringRef stringFromHost(REALstringStruct *string) {
 CFStringRef stringFromBytes(REALstringStruct *string, std::uint32_t encoding) {
     const StringLock lock(string);
     const auto [bytes, length] = REALGetStringContents(string);
+    if (bytes == nullptr && length > 0)
+        return nullptr; // the host says how many there are, but not where
     if (encoding == HostEncoding::utf16)
         return CFStringCreateWithCharacters(kCFAllocatorDefault,
                                             reinterpret_cast<const UniChar *>(bytes), length / 2);

@@ -1,6 +1,6 @@
 #include "bridge/UnicodeText.h"
 
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 #include "frame/PluginMain.h"
 #include "frame/RaiseException.h"
 
@@ -27,19 +27,19 @@ bool isAllASCII(const char *data, std::int64_t length) {
 }
 
 // The end of a conversion by the host: the string in another encoding, the given one released.
-REALstringStruct *convertedToUTF8(REALstringStruct *string) {
-    REALstringStruct *converted = REALConvertString(string, HostEncoding::utf8);
-    if (string != nullptr)
-        REALUnlockString(string);
-    return converted;
+REALstringStruct *convertedToUTF8(REALstringStruct *made) {
+    StringReference string{made};
+    StringReference converted{REALConvertString(made, HostEncoding::utf8)};
+    string.reset();
+    return converted.handOver();
 }
 
 REALstringStruct *buildEncodedString(const char *data, std::int64_t length,
                                      std::uint32_t encoding) {
-    REALstringStruct *string = originalREALBuildString(data, static_cast<std::int32_t>(length));
-    if (string != nullptr)
-        REALSetStringEncoding(string, encoding);
-    return string;
+    StringReference string{originalREALBuildString(data, static_cast<std::int32_t>(length))};
+    if (string)
+        REALSetStringEncoding(string.get(), encoding);
+    return string.handOver();
 }
 
 // Writes UTF-16 for count code points and a terminating zero; gives the number of units before it.

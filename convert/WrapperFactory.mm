@@ -42,9 +42,13 @@ REALobjectStruct *walkClasses(NSObject *object, Class required) {
         const std::size_t length = name != nullptr ? std::strlen(name) : longestClassName + 1;
         if (length > longestClassName)
             continue;
-        REALobjectStruct *instance = REALnewInstance(HostClassName(name, length).text());
-        if (instance != nullptr && (required == Nil || [object isKindOfClass:required]))
-            return wrapping(object, instance);
+        ObjectReference instance{REALnewInstance(HostClassName(name, length).text())};
+        if (!instance)
+            continue;
+        const bool fits = required == Nil || [object isKindOfClass:required];
+        REALobjectStruct *made = instance.handOver();
+        if (fits)
+            return wrapping(object, made);
     }
     return nullptr;
 }

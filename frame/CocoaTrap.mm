@@ -1,7 +1,7 @@
 #include "frame/CocoaTrap.h"
 
 #include "frame/FamilyHooks.h"
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 
 void raiseInHost(NSException *exception) {
     NSString *name = [exception name];
@@ -9,9 +9,9 @@ void raiseInHost(NSException *exception) {
     NSDictionary *userInfo = [exception userInfo];
     NSLog(@"A %@: %@, Info: %@\n", name, reason, userInfo);
 
-    REALobjectStruct *hostException = [NSException NewNSExceptionZKT:exception];
-    if (hostException == nullptr)
+    ObjectReference hostException{[NSException NewNSExceptionZKT:exception]};
+    if (!hostException)
         return;
-    REALRaiseException(hostException);
-    REALUnlockObject(hostException);
+    REALRaiseException(hostException.get());
+    hostException.reset();
 }

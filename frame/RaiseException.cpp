@@ -1,26 +1,26 @@
 #include "frame/RaiseException.h"
 
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 #include "frame/HostText.h"
 
 #include <cstring>
 
 void RaiseException(const char *className, const char *message, std::uint32_t, std::int64_t) {
-    REALstringStruct *text = nullptr;
-    if (message != nullptr)
-        text = REALBuildUnicodeString(message, static_cast<std::int64_t>(std::strlen(message)),
-                                      HostEncoding::ascii);
+    StringReference text{
+        message != nullptr
+            ? REALBuildUnicodeString(message, static_cast<std::int64_t>(std::strlen(message)),
+                                     HostEncoding::ascii)
+            : nullptr};
 
-    REALobjectStruct *exception = REALnewInstance(className);
-    if (exception == nullptr)
-        exception = REALnewInstance("RuntimeException");
-    if (exception != nullptr) {
-        REALSetPropValueString(exception, "Message", text);
-        REALSetPropValueInteger(exception, "ErrorNumber", 0);
-        REALRaiseException(exception);
-        REALUnlockObject(exception);
+    REALobjectStruct *made = REALnewInstance(className);
+    if (made == nullptr)
+        made = REALnewInstance("RuntimeException");
+    ObjectReference exception{made};
+    if (exception) {
+        REALSetPropValueString(exception.get(), "Message", text.get());
+        REALSetPropValueInteger(exception.get(), "ErrorNumber", 0);
+        REALRaiseException(exception.get());
+        exception.reset();
     }
-
-    if (text != nullptr)
-        REALUnlockString(text);
+    text.reset();
 }

@@ -2,7 +2,7 @@
 
 #include "bridge/CocoaStrings.h"
 #include "frame/CocoaTrap.h"
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 #include "processinfo/WrappedObject.h"
 
 namespace processinfo {
@@ -31,25 +31,24 @@ static void insertStrings(REALobjectStruct *array, NSArray *list) {
     NSEnumerator *elements = [list objectEnumerator];
     std::int64_t index = 0;
     for (id element = [elements nextObject]; element != nil; element = [elements nextObject]) {
-        REALstringStruct *string = CFString2RBString((CFStringRef)element);
+        StringReference string{CFString2RBString((CFStringRef)element)};
         if (StringInsertProcedure *insert = REALInsertArrayValueString(array))
-            insert(array, index, string);
-        if (string != nullptr)
-            REALUnlockString(string);
+            insert(array, index, string.get());
+        string.reset();
         ++index;
     }
 }
 
 REALobjectStruct *arguments(REALobjectStruct *instance) {
-    REALobjectStruct *result = REALCreateArray(stringElements, emptyArray);
+    ObjectReference result{REALCreateArray(stringElements, emptyArray)};
     NSProcessInfo *wrapped = wrappedObject(instance);
     if (wrapped != nil)
         trapCocoaExceptions([&] {
             NSArray *list = [wrapped arguments];
-            if (result != nullptr && list != nil)
-                insertStrings(result, list);
+            if (result && list != nil)
+                insertStrings(result.get(), list);
         });
-    return result;
+    return result.handOver();
 }
 
 } // namespace processinfo

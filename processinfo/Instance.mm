@@ -3,7 +3,7 @@
 #include "bridge/CocoaStrings.h"
 #include "frame/CocoaInit.h"
 #include "frame/CocoaTrap.h"
-#include "frame/HostServices.h"
+#include "frame/HostReference.h"
 #include "frame/RaiseException.h"
 #include "processinfo/WrappedObject.h"
 
@@ -39,10 +39,10 @@ REALobjectStruct *processInfo() {
             return nullptr;
         if (REALobjectStruct *known = registeredWrapper(shared))
             return known;
-        REALobjectStruct *instance = REALnewInstance("NSProcessInfoZKT");
-        if (instance != nullptr)
-            bind(instance, shared);
-        return instance;
+        ObjectReference instance{REALnewInstance("NSProcessInfoZKT")};
+        if (instance)
+            bind(instance.get(), shared);
+        return instance.handOver();
     });
 }
 

@@ -28,6 +28,7 @@ struct Block {
 struct Watch {
     bool on = false;
     bool failing = false;
+    std::size_t failingAllocation = 0;
     const host::Image *image = nullptr;
     std::array<Block, 64> blocks{};
     std::size_t count = 0;
@@ -40,7 +41,8 @@ template <class Allocate>
 void *allocate(const void *caller, std::size_t size, Allocate system) {
     if (!watch.on || !watch.image->contains(caller))
         return system();
-    void *const memory = watch.failing ? nullptr : system();
+    const bool fails = watch.failing || watch.count + 1 == watch.failingAllocation;
+    void *const memory = fails ? nullptr : system();
     if (watch.count < watch.blocks.size())
         watch.blocks[watch.count] = {size, memory};
     ++watch.count;
@@ -128,4 +130,8 @@ std::size_t AllocationSpy::unfreed() const {
 
 void AllocationSpy::failAll() {
     watch.failing = true;
+}
+
+void AllocationSpy::fail(std::size_t n) {
+    watch.failingAllocation = n;
 }

@@ -21,4 +21,6 @@ public:
 
     /// From now on the image's allocations fail.
     void failAll();
+    /// The n-th allocation fails, counted from 1.
+    void fail(std::size_t n);
 };

@@ -97,8 +97,7 @@ TEST(ArgumentsRefused, InAnotherWayThanCocoasLetItPass) {
     scene.list->onMessage = [](std::string_view) { throw std::runtime_error("not Cocoa's"); };
     EXPECT_EQ(standardExceptionFrom([&] { scene.arguments(); }), "not Cocoa's");
     scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("Array#2 leaked, 1 reference never released")));
+    EXPECT_THAT(scene.host.violations(), IsEmpty());
 }
 
 TEST(ArgumentsWithout, TheArrayServiceAreNil) {

@@ -140,8 +140,8 @@ TEST_F(CocoaBuffer, IsFreedWhenAnExceptionPassesThrough) {
     EXPECT_EQ(standardExceptionFrom([&] { convert(onHeap); }), "again");
     EXPECT_THAT(spy.sizes(), ElementsAre(600u));
     EXPECT_EQ(spy.unfreed(), 0u);
-    loaded.host.shutDown(); // files the text of the exception that was never raised
-    EXPECT_THAT(loaded.host.violations(), ElementsAre(testing::HasSubstr("String#")));
+    loaded.host.shutDown();
+    EXPECT_THAT(loaded.host.violations(), testing::IsEmpty());
 }
 
 // Each service of the host that takes part, missing: asked for again on each conversion.

@@ -1,0 +1,146 @@
+#pragma once
+
+// The fault matrix: every operation that the host can see, crossed with every host service in every
+// state. Each run has a process of its own, in which no service is bound yet.
+//
+// What a run has to show is derived from a table. An operation's row names a service that it uses
+// and what comes of it when the service is silent (missing, or answering null, zero or false) and
+// when it throws. A service without a row changes nothing, whatever its state: these services share
+// a run for each state, and the normal run shows that they are never asked for.
+//
+// References that an operation holds are given back when an exception passes, unless the instance
+// is one that is abandoned on purpose, or the service that gives references back is the faulty one.
+
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace matrix {
+
+enum class Fault { none, missing, null, badAlloc, outOfRange, lengthError, number, cocoa };
+
+inline constexpr Fault faults[] = {Fault::missing,    Fault::null,        Fault::badAlloc,
+                                   Fault::outOfRange, Fault::lengthError, Fault::number,
+                                   Fault::cocoa};
+
+std::string_view nameOf(Fault fault);
+/// Throws what a service in that state throws; returns for the states that do not.
+void throwOf(Fault fault);
+/// The same exception as leaving() names it.
+std::string exceptionOf(Fault fault);
+
+using Lines = std::vector<std::string>;
+
+/// What is to be seen after an operation.
+struct Aftermath {
+    std::string value = {};    ///< of the result; "" where there is none
+    Lines raised = {};         ///< host exceptions in order: "Class: message"
+    Lines logged = {};         ///< the trap's log lines: "Name: reason"
+    Lines held = {};           ///< classes of the references that the plug-in has not given back
+    Lines effects = {};        ///< messages to the test's own objects
+    std::string state = {};    ///< of the instance
+    std::string left = {};     ///< the exception that left the operation
+    Lines hostComplaints = {}; ///< of calls that the host takes for wrong
+
+    Aftermath giving(std::string newValue) const;
+    Aftermath raising(std::string exception) const;
+    Aftermath logging(std::string line) const;
+    Aftermath holding(Lines references) const;
+    Aftermath doing(Lines messages) const;
+    Aftermath in(std::string newState) const;
+    Aftermath leftBy(std::string exception) const;
+    Aftermath complaining(std::string complaint) const;
+
+    /// For comparison and for messages.
+    std::string text() const;
+};
+
+Aftermath gives(std::string value);
+
+/// What comes of an exception of that kind.
+using Rule = std::function<Aftermath(Fault)>;
+
+/// Every exception leaves the operation.
+Rule passing(Aftermath after);
+/// Cocoa's exceptions are logged and raised in the host, all others leave the operation.
+Rule trapped(Aftermath caught, Aftermath passed);
+/// The same where the host cannot release the exception that was just raised: the trap's own
+/// failure leaves the operation.
+Rule trappedUnreleased(Aftermath caught, Aftermath passed);
+/// Every exception is raised in the host as one of its own classes, before anything else is.
+Rule mapped(Aftermath caught);
+/// std::bad_alloc is raised in the host with that message, all others leave the operation.
+Rule outOfMemory(const std::string &message, Aftermath caught, Aftermath passed);
+
+struct Row {
+    std::string service;
+    Aftermath silent;
+    Rule thrown;
+    /// The service fails the first time only: what reports the failure needs it as well.
+    bool once = false;
+};
+using Rows = std::vector<Row>;
+
+/// All of them, one behind the other.
+template <class... Parts>
+Rows inOrder(const Parts &...parts) {
+    Rows all;
+    (all.insert(all.end(), parts.begin(), parts.end()), ...);
+    return all;
+}
+
+/// A string built from text: what is to be seen without it, and with it in no declared encoding.
+Rows stringBuilding(const Aftermath &without, const Aftermath &undeclared);
+/// The report of an exception that the plug-in raises itself; after is what is to be seen besides.
+Rows raisingInHost(const std::string &className, const std::string &message,
+                   const Aftermath &after);
+/// The report of the NSException "Trouble" by the trap.
+Rows trapReport(const Aftermath &after);
+Aftermath troubled(const Aftermath &after);
+
+struct Scene;
+
+/// An operation, ready to be run in a cell.
+struct Act {
+    std::function<std::string()> run;             ///< gives the result as text
+    std::function<std::string()> state = nullptr; ///< the instance's, afterwards
+};
+
+struct Operation {
+    std::string name;
+    std::function<Act(Scene &)> arrange;
+    Aftermath present; ///< with all services as they should be
+    Rows rows = {};    ///< of all services used, in the order of their first use
+    std::optional<double> hostVersion = 2013.04;
+    bool withInstance = true; ///< off: nothing of the plug-in ran before
+};
+using Operations = std::vector<Operation>;
+
+inline void PrintTo(const Operation &operation, std::ostream *out) {
+    *out << operation.name;
+}
+
+/// For GoogleTest: the name's words together, each with a capital.
+std::string testNameOf(const Operation &operation);
+
+// Every operation, by kind.
+const Operations &propertyOperations();
+const Operations &methodOperations();
+const Operations &lifeOperations();
+const Operations &valueOperations();
+const Operations &memoryOperations();
+const Operations &collectionOperations();
+const Operations &wrapperOperations();
+const Operations &textOperations();
+
+/// The exception that leaves the body, as text; "" when it returns.
+std::string leaving(const std::function<void()> &body);
+
+/// What the body gives in a process of its own: a copy of this one, of which nothing stays behind.
+/// "died of signal 11" and what it wrote to stderr when it does not come to its end.
+std::string inChild(const std::function<std::string()> &body);
+
+} // namespace matrix

@@ -1,0 +1,290 @@
+#import "FaultMatrixScene.h"
+
+#include "ActingObject.h"
+#include "ActivityScene.h"
+#include "host/Cocoa.h"
+#include "host/Heap.h"
+#include "host/Inspect.h"
+#include "host/Payload.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <regex>
+#include <unistd.h>
+#include <utility>
+
+@implementation MatrixProcessInfo
+
+- (NSDictionary *)environment {
+    if (answers.raising != nil)
+        [answers.raising raise];
+    return environmentAnswer;
+}
+
+@end
+
+namespace matrix {
+
+namespace {
+
+template <class Things, class Describe>
+std::string joined(const Things &things, Describe describe) {
+    std::string text;
+    for (const auto &thing : things)
+        text += (text.empty() ? "" : ", ") + describe(thing);
+    return text;
+}
+
+const char *typeName(host::VariantType type) {
+    constexpr const char *names[] = {"String", "Integer", "Double", "Boolean", "UInt32", "Single"};
+    return names[static_cast<std::size_t>(type)];
+}
+
+std::string describeDate(const host::DateParts &date) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(date.year),
+                  static_cast<int>(date.month), static_cast<int>(date.day),
+                  static_cast<int>(date.hour), static_cast<int>(date.minute),
+                  static_cast<int>(date.second));
+    return text;
+}
+
+/// What geometry classes hold, 0 to 4 numbers.
+template <class Number>
+std::string numbers(const void *data, std::size_t count) {
+    std::vector<Number> values(count);
+    std::memcpy(values.data(), data, count * sizeof(Number));
+    return joined(values,
+                  [](Number value) { return std::to_string(static_cast<std::int64_t>(value)); });
+}
+
+/// "Name: reason" of each of the trap's lines in what was written to stderr.
+Lines logged() {
+    std::string text;
+    lseek(STDERR_FILENO, 0, SEEK_SET);
+    char buffer[4096];
+    for (ssize_t count = 0; (count = read(STDERR_FILENO, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, static_cast<std::size_t>(count));
+    static const std::regex line(R"(\] A ([^\n]*), Info: \(null\)\n)");
+    Lines lines;
+    for (std::sregex_iterator each(text.begin(), text.end(), line), end; each != end; ++each)
+        lines.push_back((*each)[1]);
+    return lines;
+}
+
+std::string shown(const host::RaisedException &exception) {
+    return exception.className + ": " +
+           (exception.cocoaName.empty() ? exception.message.value_or("nil")
+                                        : exception.cocoaName + ": " + exception.cocoaReason);
+}
+
+} // namespace
+
+Scene::Scene(std::optional<double> version, bool withInstance)
+    : LoadedPlugin{{.version = version}} {
+    object->answers.string = @"abc";
+    object->answers.arguments = @[ @"abc", @"def" ];
+    object->environmentAnswer = @{@"k" : @"v"};
+    shared->activity = token;
+    if (withInstance) {
+        info = host.newInstance(processInfoClass);
+        setHandle(host, info, object);
+    }
+    host.clearTrace();
+}
+
+Scene::~Scene() {
+    own->onMessage = shared->onMessage = nullptr;
+    if (info.handle() != nullptr)
+        setHandle(host, info, nullptr);
+}
+
+void Scene::substituteShared() {
+    substitute_ = std::make_unique<SharedObjectSubstitute>(image, shared);
+}
+
+void Scene::refuse() {
+    object->answers.raising = [NSException exceptionWithName:@"Trouble"
+                                                      reason:@"on the way"
+                                                    userInfo:nil];
+    const auto trouble = [](std::string_view selector) {
+        if (selector != "release" && selector != "retain" && selector != "respondsToSelector:")
+            raiseNSException("Trouble", "on the way");
+    };
+    own->onMessage = shared->onMessage = trouble;
+}
+
+host::ObjectRef Scene::begunActivity() {
+    host::ObjectRef activity = host.newInstance(activityClass);
+    ActivityFields fields{.token = token, .options = 255, .active = 1};
+    [token retain];
+    fields.reason = host.heap().makeString("why", host::encoding::utf8).handle();
+    std::memcpy(host.dataOf(activity), &fields, sizeof fields);
+    return activity;
+}
+
+std::string Scene::stateOf(host::ObjectHandle activity) const {
+    const ActivityFields fields = fieldsOf(host, activity);
+    return std::string(fields.token == nullptr               ? "no token"
+                       : fields.token == (const void *)token ? "token"
+                                                             : "another token") +
+           ", " + describe(fields.reason) + ", " + std::to_string(fields.options) +
+           (fields.active == 1   ? ", active"
+            : fields.active == 0 ? ", ended"
+                                 : ", odd");
+}
+
+std::string Scene::seen(const host::Outcome &outcome) {
+    if (outcome.exception)
+        raised_.push_back(*outcome.exception);
+    if (const auto *reference = std::get_if<host::ObjectRef>(&outcome.value))
+        results_.push_back(*reference);
+    if (const auto *reference = std::get_if<host::StringRef>(&outcome.value))
+        strings_.push_back(*reference);
+    return describe(outcome.value);
+}
+
+std::string Scene::taken(host::ObjectHandle result, id wrapped) {
+    const host::Object *found = host.heap().find(result);
+    std::string text = describe(result, wrapped);
+    if (found != nullptr && found->pluginReferences() <= 0)
+        return text + " without a reference";
+    results_.push_back(host::ObjectRef::adopt(result));
+    return text;
+}
+
+std::string Scene::taken(host::StringHandle result) {
+    strings_.push_back(host::StringRef::adopt(result));
+    return describe(result);
+}
+
+std::string Scene::describe(const host::Value &value, id wrapped) const {
+    if (const auto *reference = std::get_if<host::StringRef>(&value))
+        return describe(reference->handle());
+    if (const auto *reference = std::get_if<host::ObjectRef>(&value))
+        return describe(reference->handle(), wrapped);
+    return host::describe(value);
+}
+
+std::string Scene::describe(host::StringHandle string) const {
+    if (string == nullptr)
+        return "nil";
+    const std::string text = '"' + host.bytes(string) + '"';
+    return host.encodingOf(string) == host::encoding::utf8 ? text : text + " undeclared";
+}
+
+std::string Scene::describe(host::ObjectHandle handle, id wrapped) const {
+    const host::Object *found = host.heap().find(handle);
+    if (found == nullptr)
+        return handle == nullptr ? "nil" : "no object";
+    const std::string name = found->type->name;
+    const auto inside = [&](const host::Value &value) { return describe(value); };
+    const void *data = host.dataOf(handle);
+    if (const auto *variant = std::get_if<host::VariantContent>(&found->payload))
+        return std::string(typeName(variant->type)) + '(' + describe(variant->value) + ')';
+    if (const auto *array = std::get_if<host::ArrayData>(&found->payload))
+        return '[' + joined(array->elements, inside) + ']';
+    if (const auto *dictionary = std::get_if<host::DictionaryData>(&found->payload))
+        return '{' +
+               joined(dictionary->entries,
+                      [&](const auto &entry) {
+                          return describe(entry.first) + ": " + describe(entry.second);
+                      }) +
+               '}';
+    if (const auto *date = std::get_if<host::DateParts>(&found->payload))
+        return "Date(" + describeDate(*date) + ')';
+    if (const auto *block = std::get_if<host::MemoryData>(&found->payload))
+        return block->size > 16
+                   ? "MemoryBlock of " + std::to_string(block->size)
+                   : "MemoryBlock(" + host::inQuotes(host::memoryBlockBytes(handle)) + ')';
+    if (const auto *item = std::get_if<host::FolderContent>(&found->payload))
+        return "FolderItem(" + item->path.string() + (item->fromParent ? ")" : ", by path)");
+    if (name == activityClass)
+        return "activity(" + stateOf(handle) + ')';
+    if (name == "NSRectZKT")
+        return name + '(' + numbers<double>(data, 4) + ')';
+    if (name == "NSSizeZKT" || name == "NSPointZKT")
+        return name + '(' + numbers<double>(data, 2) + ')';
+    if (name == "NSRangeZKT")
+        return name + '(' + numbers<std::uint64_t>(data, 2) + ')';
+    const void *held = nullptr;
+    std::memcpy(&held, data, sizeof held);
+    return name + (held == nullptr                 ? ""
+                   : wrapped == nil                ? "(an object)"
+                   : held == (const void *)wrapped ? "(the object)"
+                                                   : "(another object)");
+}
+
+Aftermath Scene::run(const Act &act, const Services &services, Fault fault, bool once) {
+    bool thrown = false;
+    for (const std::string_view service : services)
+        if (fault == Fault::missing)
+            host.services().hide(service);
+        else if (fault == Fault::null)
+            host.services().answerNull(service);
+        else
+            host.services().fail(service, [&thrown, fault, once] {
+                if (!std::exchange(thrown, true) || !once)
+                    throwOf(fault);
+            });
+
+    Aftermath after;
+    after.left = leaving([&] { after.value = act.run(); });
+    if (act.state)
+        after.state = act.state();
+    for (const std::string_view service : services)
+        host.services().restore(service);
+
+    for (const host::RaisedException &stray : host.strayExceptions())
+        after.raised.push_back(shown(stray));
+    if (const auto pending = host.takePendingException())
+        raised_.push_back(*pending);
+    for (const host::RaisedException &exception : raised_)
+        after.raised.push_back(shown(exception));
+    for (const std::string &line : host.calls())
+        if (line.starts_with('['))
+            after.effects.push_back(line);
+    after.logged = logged();
+
+    host.shutDown();
+    static const std::regex leak(R"(([A-Za-z]+)#\d+ leaked, (\d+) references? never .*)");
+    for (const std::string &violation : host.violations())
+        if (std::smatch parts; std::regex_match(violation, parts, leak))
+            after.held.insert(after.held.end(), std::stoul(parts[2]), parts[1]);
+        else
+            after.hostComplaints.push_back(violation.substr(0, violation.find(" (made")));
+    return after;
+}
+
+Act reading(Scene &scene, const char *property) {
+    return {[&scene, property] { return scene.seen(scene.host.get(scene.info, property)); }};
+}
+
+Act calling(Scene &scene, const char *method, host::Values arguments) {
+    return {[&scene, method, arguments = std::move(arguments)] {
+        return scene.seen(scene.host.call(scene.info, method, arguments));
+    }};
+}
+
+Act handingOver(Act act, host::ObjectRef object, void **place) {
+    act.run = [run = std::move(act.run), object = std::move(object), place] {
+        *place = host::ObjectRef(object).release();
+        return run();
+    };
+    return act;
+}
+
+Act converting(Scene &scene, id object) {
+    auto *convert = imageFunction<host::ObjectHandle(id)>(scene.image, "NewVariantFromNSObject");
+    return {[&scene, object, convert] {
+        const NSUInteger references = [object retainCount];
+        const host::ObjectHandle result = host::inAutoreleasePool([&] { return convert(object); });
+        std::string text = scene.taken(result, object);
+        if (const NSUInteger kept = [object retainCount] - references; kept != 0)
+            text += ", retained " + std::to_string(kept);
+        return text;
+    }};
+}
+
+} // namespace matrix

@@ -1,0 +1,122 @@
+// Every operation with every host service in every state.
+
+#import "FaultMatrixScene.h"
+
+#include "host/Services.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iostream>
+
+namespace {
+
+using namespace matrix;
+
+/// The services in the order in which they were first looked for.
+Lines servicesLookedFor(const host::Host &host) {
+    Lines names;
+    for (const std::string &line : host.lookups())
+        if (const std::string name = line.substr(line.find(' ') + 1);
+            std::ranges::find(names, name) == names.end())
+            names.push_back(name);
+    return names;
+}
+
+Lines servicesOf(const Rows &rows) {
+    Lines names;
+    for (const Row &row : rows)
+        names.push_back(row.service);
+    return names;
+}
+
+std::string listed(const Lines &lines) {
+    std::string text;
+    for (const std::string &line : lines)
+        text += "  uses " + line + '\n';
+    return text;
+}
+
+const Row *rowOf(const Operation &operation, std::string_view service) {
+    const auto found = std::ranges::find(operation.rows, service, &Row::service);
+    return found == operation.rows.end() ? nullptr : &*found;
+}
+
+Aftermath expected(const Row &row, Fault fault) {
+    return fault == Fault::missing || fault == Fault::null ? row.silent : row.thrown(fault);
+}
+
+class FaultMatrix : public testing::TestWithParam<Operation> {
+protected:
+    std::string seenWith(const Scene::Services &services, Fault fault, bool once = false) {
+        return inChild([&] { return scene.run(act, services, fault, once).text(); });
+    }
+    std::string cell(std::string_view service, Fault fault) const {
+        return operation.name + " with " + std::string(service) + ' ' + std::string(nameOf(fault));
+    }
+    /// Nothing changes, whatever is the matter with the services that the operation does not use.
+    /// They fail together; only if something shows, one after the other, to tell which.
+    void expectUnchanged(const Scene::Services &unused, Fault fault) {
+        const std::string normal = operation.present.text();
+        if (seenWith(unused, fault) == normal)
+            return;
+        ADD_FAILURE() << cell("all unused services", fault);
+        for (const std::string_view service : unused)
+            EXPECT_EQ(seenWith({service}, fault), normal) << cell(service, fault);
+    }
+
+    const Operation &operation = GetParam();
+    Scene scene{operation.hostVersion, operation.withInstance};
+    Act act = operation.arrange(scene);
+};
+
+} // namespace
+
+TEST_P(FaultMatrix, ShowsOfEveryFaultWhatTheTableSays) {
+    scene.host.clearTrace();
+    const std::string normal = inChild([&] {
+        const Aftermath after = scene.run(act, {}, Fault::none);
+        return after.text() + listed(servicesLookedFor(scene.host));
+    });
+    EXPECT_EQ(normal, operation.present.text() + listed(servicesOf(operation.rows)))
+        << operation.name << " with all services present";
+
+    int cells = 1;
+    Scene::Services unused;
+    for (const std::string_view service : host::Services::names()) {
+        cells += static_cast<int>(std::size(faults));
+        const Row *row = rowOf(operation, service);
+        if (row == nullptr) {
+            unused.push_back(service);
+            continue;
+        }
+        for (const Fault fault : faults)
+            EXPECT_EQ(seenWith({service}, fault, row->once), expected(*row, fault).text())
+                << cell(service, fault);
+    }
+    for (const Fault fault : faults)
+        expectUnchanged(unused, fault);
+    RecordProperty("cells", cells);
+    std::cout << cells << " cells\n";
+}
+
+static std::string testName(const testing::TestParamInfo<Operation> &tested) {
+    return testNameOf(tested.param);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfProperty, FaultMatrix, testing::ValuesIn(matrix::propertyOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfMethod, FaultMatrix, testing::ValuesIn(matrix::methodOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfLife, FaultMatrix, testing::ValuesIn(matrix::lifeOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfValue, FaultMatrix, testing::ValuesIn(matrix::valueOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfMemory, FaultMatrix, testing::ValuesIn(matrix::memoryOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfCollection, FaultMatrix,
+                         testing::ValuesIn(matrix::collectionOperations()), testName);
+INSTANTIATE_TEST_SUITE_P(OfWrapper, FaultMatrix, testing::ValuesIn(matrix::wrapperOperations()),
+                         testName);
+INSTANTIATE_TEST_SUITE_P(OfText, FaultMatrix, testing::ValuesIn(matrix::textOperations()),
+                         testName);
