@@ -45,17 +45,17 @@ struct Aftermath {
     std::string left = {};     ///< the exception that left the operation
     Lines hostComplaints = {}; ///< of calls that the host takes for wrong
 
-    Aftermath giving(std::string newValue) const;
-    Aftermath raising(std::string exception) const;
-    Aftermath logging(std::string line) const;
-    Aftermath holding(Lines references) const;
-    Aftermath doing(Lines messages) const;
-    Aftermath in(std::string newState) const;
-    Aftermath leftBy(std::string exception) const;
-    Aftermath complaining(std::string complaint) const;
+    [[nodiscard]] Aftermath giving(std::string newValue) const;
+    [[nodiscard]] Aftermath raising(std::string exception) const;
+    [[nodiscard]] Aftermath logging(std::string line) const;
+    [[nodiscard]] Aftermath holding(Lines references) const;
+    [[nodiscard]] Aftermath doing(Lines messages) const;
+    [[nodiscard]] Aftermath in(std::string newState) const;
+    [[nodiscard]] Aftermath leftBy(std::string exception) const;
+    [[nodiscard]] Aftermath complaining(std::string complaint) const;
 
     /// For comparison and for messages.
-    std::string text() const;
+    [[nodiscard]] std::string text() const;
 };
 
 Aftermath gives(std::string value);

@@ -16,8 +16,8 @@ const Aftermath nothing = gives("nil");
 
 /// What the instance holds, and what the registry has for that.
 std::string bindingOf(const Scene &scene, host::ObjectHandle instance) {
-    const void *held = nullptr;
-    std::memcpy(&held, scene.host.dataOf(instance), sizeof held);
+    void *held = nullptr;
+    std::memcpy(static_cast<void *>(&held), scene.host.dataOf(instance), sizeof held);
     const void *entry = host::siblings::registered(scene.shared);
     return std::string(held == nullptr                      ? "empty"
                        : held == (const void *)scene.shared ? "bound"

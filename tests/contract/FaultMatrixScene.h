@@ -51,7 +51,7 @@ struct Scene : LoadedPlugin {
     std::string taken(host::ObjectHandle result, id wrapped = nil);
     std::string taken(host::StringHandle result);
 
-    std::string describe(const host::Value &value, id wrapped = nil) const;
+    [[nodiscard]] std::string describe(const host::Value &value, id wrapped = nil) const;
     std::string describe(host::ObjectHandle object, id wrapped = nil) const;
     std::string describe(host::StringHandle string) const;
 

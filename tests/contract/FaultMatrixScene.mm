@@ -208,8 +208,8 @@ std::string Scene::describe(host::ObjectHandle handle, id wrapped) const {
         return name + '(' + numbers<double>(data, 2) + ')';
     if (name == "NSRangeZKT")
         return name + '(' + numbers<std::uint64_t>(data, 2) + ')';
-    const void *held = nullptr;
-    std::memcpy(&held, data, sizeof held);
+    void *held = nullptr;
+    std::memcpy(static_cast<void *>(&held), data, sizeof held);
     return name + (held == nullptr                 ? ""
                    : wrapped == nil                ? "(an object)"
                    : held == (const void *)wrapped ? "(the object)"

@@ -51,7 +51,7 @@ protected:
     std::string seenWith(const Scene::Services &services, Fault fault, bool once = false) {
         return inChild([&] { return scene.run(act, services, fault, once).text(); });
     }
-    std::string cell(std::string_view service, Fault fault) const {
+    [[nodiscard]] std::string cell(std::string_view service, Fault fault) const {
         return operation.name + " with " + std::string(service) + ' ' + std::string(nameOf(fault));
     }
     /// Nothing changes, whatever is the matter with the services that the operation does not use.

@@ -2,13 +2,13 @@
 
 #import "FaultMatrixObjects.h"
 #import "FaultMatrixScene.h"
+#import "MethodFunctions.h"
 
 #include "host/Inspect.h"
 #include "host/Siblings.h"
 
 #include <objc/runtime.h>
 
-#include <bit>
 #include <cstring>
 
 namespace matrix {
@@ -102,7 +102,7 @@ void *answerHook(id, SEL, id) {
 Act convertingHookedView(Scene &scene) {
     hookAnswer = nullptr;
     class_addMethod(object_getClass([NSValue class]), sel_registerName("NewQTKitNSViewZKT:"),
-                    std::bit_cast<IMP>(&answerHook), "^v@:@");
+                    implementationOf(answerHook), "^v@:@");
     know(scene, "NSViewZKT");
     return convertingNew(scene, "NSView");
 }
@@ -135,8 +135,8 @@ void addBox(Operations &all) {
                    .arrange =
                        [](Scene &scene) {
                            class_addMethod(matrixClass("ZKTREALobjectWrapper"),
-                                           sel_registerName("unwrap"),
-                                           std::bit_cast<IMP>(&answerHook), "^v@:");
+                                           sel_registerName("unwrap"), implementationOf(answerHook),
+                                           "^v@:");
                            return handingOver(convertingNew(scene, "ZKTREALobjectWrapper"),
                                               host::box("boxed"), &hookAnswer);
                        },

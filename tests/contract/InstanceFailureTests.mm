@@ -16,7 +16,6 @@
 
 using host::ObjectHandle;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 static void raiseTrouble() {

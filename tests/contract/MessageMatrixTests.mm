@@ -170,8 +170,8 @@ protected:
         return after;
     }
 
-    Aftermath expected(const Lines &sent, const std::string &last,
-                       const std::map<std::size_t, Fault> &failing) const {
+    [[nodiscard]] Aftermath expected(const Lines &sent, const std::string &last,
+                                     const std::map<std::size_t, Fault> &failing) const {
         const Aftermath &normal = tested.operation.present;
         const Fault fault = failing.rbegin()->second;
         const bool reporting = !normal.logged.empty() && reportsException(last);
