@@ -1,9 +1,12 @@
 #include "ImageUnderTest.h"
+#include "IsolatedRun.h"
 #include "RowMessages.h"
 
 #include "host/Cocoa.h"
 
 #include <gmock/gmock.h>
+
+#include <exception>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -26,18 +29,21 @@ int main(int argc, char **argv) {
     const host::AutoreleasePool pool;
     testing::InitGoogleMock(&argc, argv);
 
-    constexpr std::string_view option = "--image=";
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument.starts_with(option))
-            image = argument.substr(option.size());
-        else if (argument == "--ask-every-row")
-            askEveryRow(true);
-    }
+    IsolatedRun run;
+    CLI::App app{"The plug-in's tests; GoogleTest's options are valid too."};
+    app.add_option("--image", image, "the macOS bundle or the Linux object");
+    app.add_flag_callback(
+        "--ask-every-row", [] { askEveryRow(true); }, "convert without the short way to a row");
+    run.addOptionsTo(app);
+    CLI11_PARSE(app, argc, argv);
     if (image.empty() && !GTEST_FLAG_GET(list_tests)) {
-        std::cerr << "usage: " << argv[0]
-                  << " --image=FILE [--ask-every-row] [GoogleTest options]\n";
+        std::cerr << argv[0] << ": --image=FILE is missing\n";
         return 2;
     }
-    return RUN_ALL_TESTS();
+    try {
+        return runTests(run, "contract tests of " + image.filename().string());
+    } catch (const std::exception &exception) {
+        std::cerr << argv[0] << ": " << exception.what() << '\n';
+        return 2;
+    }
 }

@@ -5,17 +5,18 @@ Each mutant is one edit of one source file. The Linux object is built from a cop
 contract tests run on it, each in a process of its own, until one fails: first those that noticed
 earlier mutants of the same file, then the others, fastest first. A mutant that no test notices
 survives. Mutants that no test can notice stand in equivalent.txt, with the reason, and are passed over.
+Each job has a copy and a build of its own.
 """
 
 import argparse
 import concurrent.futures
 import dataclasses
+import os
 import pathlib
 import re
 import shutil
 import subprocess
 import sys
-import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 FOLDERS = ("frame", "bridge", "convert", "processinfo")
@@ -27,7 +28,8 @@ class Mutant:
     path: str  # of the source file, from the root
     line: int
     what: str
-    text: str  # the whole file, mutated
+    original: str  # the whole file
+    text: str  # the same, mutated
 
     def __str__(self):
         return f"{self.path}:{self.line}: {self.what}"
@@ -100,13 +102,13 @@ def table_mutants(path, text):
             after_last = end + 1 if code[end: end + 1] == "," else end
             stop = rows[index + 1][0] if index + 1 < len(rows) else after_last
             yield Mutant(path, line_of(text, begin), f"row deleted: {short(text[begin:end])}",
-                         text[:begin] + text[stop:])
+                         text, text[:begin] + text[stop:])
             if index + 1 < len(rows):
                 next_begin, next_end = rows[index + 1]
                 yield Mutant(path, line_of(text, begin),
                              f"rows swapped: {short(text[begin:end], 40)} and "
                              f"{short(text[next_begin:next_end], 40)}",
-                             text[:begin] + text[next_begin:next_end] + text[end:next_begin]
+                             text, text[:begin] + text[next_begin:next_end] + text[end:next_begin]
                              + text[begin:end] + text[next_end:])
 
 
@@ -118,7 +120,7 @@ def swapped_tests(path, text):
         if re.fullmatch(r"(\s|//[^\n]*\n|    Class \w+ = [^;]*;\n)*", between):
             yield Mutant(path, line_of(text, first.start()),
                          f"tests swapped: {short(first.group(), 40)} and {short(second.group(), 40)}",
-                         text[: first.start()] + between + second.group() + first.group()
+                         text, text[: first.start()] + between + second.group() + first.group()
                          + text[second.end():])
 
 
@@ -132,7 +134,7 @@ def statements(code):
 
 DECLARATION = re.compile(
     r"(return|using|static|constexpr|inline|extern|explicit|break|continue|case|const \w|[\w:<>*]+ \*?&?\w+( =|\{|;)"
-    r"|std::\w+(<.*>)? \w+|auto |virtual|~|@|template|struct|enum|\w+ \w+\(.*\) (const|=)|HostReference)")
+    r"|std::\w+(<.*>)? \w+|auto |[\w ]+ \*?\(\*\w+\)\(|virtual|~|@|template|struct|enum|\w+ \w+\(.*\) (const|=)|HostReference)")
 
 
 def deleted_statements(path, text):
@@ -141,7 +143,7 @@ def deleted_statements(path, text):
         statement = text[begin:end]
         if not DECLARATION.match(statement):
             yield Mutant(path, line_of(text, begin), f"deleted: {short(statement)}",
-                         text[:begin] + ";" + text[end:])
+                         text, text[:begin] + ";" + text[end:])
 
 
 def negated_conditions(path, text):
@@ -154,7 +156,7 @@ def negated_conditions(path, text):
         if re.search(r"\b(auto|const|\w+) [*&]?\w+ = ", condition) and not at:
             continue  # a declaration: it is negated below, where it is used
         yield Mutant(path, line_of(text, begin), f"negated: {short(condition)}",
-                     text[:begin] + condition[:at] + f" !({condition[at:].strip()})" + text[end:])
+                     text, text[:begin] + condition[:at] + f" !({condition[at:].strip()})" + text[end:])
 
 
 REPLACEMENTS = (
@@ -173,7 +175,7 @@ def replaced_operators(path, text):
                 continue
             yield Mutant(path, line_of(text, match.start()),
                          f"'{match.group().strip()}' became '{replacement.strip()}': {short(line)}",
-                         text[: match.start()] + replacement + text[match.end():])
+                         text, text[: match.start()] + replacement + text[match.end():])
 
 
 def changed_constants(path, text):
@@ -185,7 +187,7 @@ def changed_constants(path, text):
         value = int(match.group(), 0) + 1
         new = hex(value) if match.group().startswith("0x") else str(value)
         yield Mutant(path, line_of(text, match.start()), f"{match.group()} became {new}: {short(line)}",
-                     text[: match.start()] + new + text[match.end():])
+                     text, text[: match.start()] + new + text[match.end():])
 
 
 def changed_texts(path, text):
@@ -194,7 +196,7 @@ def changed_texts(path, text):
         if line.lstrip().startswith(("#", "//")) or 'extern "C"' in line:
             continue
         yield Mutant(path, line_of(text, match.start()), f"text changed: {short(match.group())}",
-                     text[: match.end() - 1] + "x" + text[match.end() - 1:])
+                     text, text[: match.end() - 1] + "x" + text[match.end() - 1:])
 
 
 def swapped_arguments(path, text):
@@ -213,7 +215,7 @@ def swapped_arguments(path, text):
             if text[begin:stop] != text[next_begin:next_stop]:
                 yield Mutant(path, line_of(text, begin),
                              f"arguments swapped: {short(text[match.start():end + 1])}",
-                             text[:begin] + text[next_begin:next_stop] + text[stop:next_begin]
+                             text, text[:begin] + text[next_begin:next_stop] + text[stop:next_begin]
                              + text[begin:stop] + text[next_stop:])
 
 
@@ -243,12 +245,14 @@ def mutants(tables_only, pattern):
 class Workbench:
     """A copy of the tree with a build of its own, and the contract tests of the tree itself."""
 
-    def __init__(self, jobs):
-        self.jobs = jobs
-        self.source = ROOT / "build/mutate/source"
-        self.build = ROOT / "build/mutate/linux"
+    def __init__(self, number):
+        folder = ROOT / f"build/mutate/{number}"
+        self.source = folder / "source"
+        self.build = folder / "linux"
         self.image = self.build / "NSProcessInfoZKT.so"
-        self.tests = ROOT / "build/mutate/contract_tests"
+        self.tests = folder / "contract_tests"
+        self.order = folder / "order.txt"
+        self.durations = folder / "durations.txt"
 
     def prepare(self):
         shutil.rmtree(self.source, ignore_errors=True)
@@ -260,54 +264,43 @@ class Workbench:
                 shutil.copy2(ROOT / name, self.source / name)
         # A copy, so that the tree can be built meanwhile.
         shutil.copy2(ROOT / "build/linux/tests/contract/contract_tests", self.tests)
+        # Without warnings: what a mutant leaves unused must not save it from the tests.
         subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
-                        "-DBUILD_BENCHMARKS=OFF"],
+                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_CXX_FLAGS=-w", "-DCMAKE_OBJCXX_FLAGS=-w"],
                        cwd=self.source, check=True, stdout=subprocess.DEVNULL)
         if not self.compiles():
             sys.exit("mutate: the unchanged plug-in does not build")
 
     def compiles(self):
-        return subprocess.run(["ninja", "-C", self.build, "NSProcessInfoZKT"],
+        return subprocess.run(["ninja", "-j1", "-C", self.build, "NSProcessInfoZKT"],
                               capture_output=True).returncode == 0
 
     def apply(self, path, text):
         (self.source / path).write_text(text)
 
-    def names(self):
-        listing = subprocess.run([self.tests, "--gtest_list_tests"], check=True, capture_output=True,
-                                 text=True).stdout
-        suite, names = "", []
-        for line in listing.splitlines():
-            line = line.split("#")[0].rstrip()
-            if line.startswith("  "):
-                names.append(suite + line.strip())
-            elif line.endswith("."):
-                suite = line
-        return names
-
-    def passes(self, name):
-        try:
-            return subprocess.run([self.tests, f"--image={self.image}", f"--gtest_filter={name}"],
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                  timeout=TEST_TIMEOUT).returncode == 0
-        except subprocess.TimeoutExpired:
-            return False
+    def run(self, *options):
+        """Runs contract tests, each in a process of its own; gives the names of those that fail."""
+        output = subprocess.run(
+            [self.tests, "--isolate", f"--image={self.image}", f"--seconds-per-test={TEST_TIMEOUT}",
+             *options], capture_output=True).stdout.decode(errors="replace")
+        failed = re.findall(r"^FAILED (\S+) (?:died|ended|did not end)", output, flags=re.M)
+        if not failed and not re.search(r"^contract tests of .* 0 failed", output, flags=re.M):
+            sys.exit(f"mutate: the tests did not come to their end:\n{output[-2000:]}")
+        return failed
 
     def first_failing(self, names):
-        """The first test that fails, or None; stops soon after it."""
-        with concurrent.futures.ThreadPoolExecutor(self.jobs) as pool:
-            waiting, position = {}, 0
-            while position < len(names) or waiting:
-                while position < len(names) and len(waiting) < self.jobs:
-                    waiting[pool.submit(self.passes, names[position])] = names[position]
-                    position += 1
-                done, _ = concurrent.futures.wait(
-                    waiting, return_when=concurrent.futures.FIRST_COMPLETED)
-                for future in done:
-                    name = waiting.pop(future)
-                    if not future.result():
-                        return name
-        return None
+        """The first of these tests that fails, or None."""
+        self.order.write_text("".join(name + "\n" for name in names))
+        failed = self.run(f"--order={self.order}", "--jobs=1", "--stop-at-first-failure")
+        return failed[0] if failed else None
+
+    def timed_run(self):
+        """Runs every test on the unchanged plug-in; gives their durations."""
+        failed = self.run(f"--durations={self.durations}")
+        if failed:
+            sys.exit("mutate: tests fail on the unchanged plug-in: " + ", ".join(failed[:10]))
+        lines = (line.split() for line in self.durations.read_text().splitlines())
+        return {name: float(seconds) for seconds, name in lines}
 
 
 class TestOrder:
@@ -318,30 +311,50 @@ class TestOrder:
         self.killers = {}
 
     def of(self, path):
-        first = self.killers.setdefault(path, [])
+        first = list(self.killers.get(path, ()))
         known = set(first)
         return first + [name for name in self.by_duration if name not in known]
 
     def noticed(self, path, name):
-        killers = self.killers.setdefault(path, [])
-        if name in killers:
-            killers.remove(name)
-        killers.insert(0, name)
+        self.killers[path] = [name] + [other for other in self.killers.get(path, ()) if other != name]
 
 
-def timed_run(bench):
-    """Runs every test on the unchanged plug-in; gives their durations."""
-    def run(name):
-        begin = time.monotonic()
-        passed = bench.passes(name)
-        return name, passed, time.monotonic() - begin
+class Score:
+    """What has come of the mutants so far."""
 
-    with concurrent.futures.ThreadPoolExecutor(bench.jobs) as pool:
-        results = list(pool.map(run, bench.names()))
-    failed = [name for name, passed, _ in results if not passed]
-    if failed:
-        sys.exit("mutate: tests fail on the unchanged plug-in: " + ", ".join(failed[:10]))
-    return {name: seconds for name, _, seconds in results}
+    def __init__(self, total):
+        self.total, self.done = total, 0
+        self.noticed, self.rejected, self.explained, self.survivors = 0, 0, 0, []
+
+    def add(self, mutant, outcome):
+        self.done += 1
+        print(f"[{self.done}/{self.total}] {mutant}: {outcome}", flush=True)
+
+    def report(self):
+        tested = self.total - self.rejected - self.explained
+        print(f"\n{self.total} mutants: {self.rejected} do not compile, {self.noticed} noticed, "
+              f"{self.explained} equivalent, {len(self.survivors)} survived"
+              + (f" ({100 * self.noticed / tested:.1f} % noticed)" if tested else ""))
+        for mutant in self.survivors:
+            print(f"  survived: {mutant}")
+
+
+def try_mutant(bench, mutant, order, equivalent, score):
+    if without_line(mutant) in equivalent:
+        score.explained += 1
+        return
+    bench.apply(mutant.path, mutant.text)
+    if not bench.compiles():
+        score.rejected += 1
+        score.add(mutant, "does not compile")
+    elif (name := bench.first_failing(order.of(mutant.path))) is not None:
+        score.noticed += 1
+        order.noticed(mutant.path, name)
+        score.add(mutant, f"noticed by {name}")
+    else:
+        score.survivors.append(mutant)
+        score.add(mutant, "SURVIVED")
+    bench.apply(mutant.path, mutant.original)
 
 
 def known_equivalents():
@@ -363,46 +376,36 @@ def main():
     parser.add_argument("--match", default="", metavar="REGEX",
                         help="only mutants whose line in the list matches")
     parser.add_argument("--list", action="store_true", help="print the mutants and stop")
-    parser.add_argument("--jobs", type=int, default=2, help="tests at a time")
+    parser.add_argument("--every", type=int, default=1, metavar="N", help="only each N-th mutant")
+    parser.add_argument("--from", dest="first", type=int, default=0, metavar="K",
+                        help="the first of them, from 0")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="mutants at a time")
     options = parser.parse_args()
 
-    todo = mutants(options.tables, options.match)
+    todo = mutants(options.tables, options.match)[options.first:: options.every]
     if options.list:
         print(*todo, sep="\n")
         print(f"{len(todo)} mutants")
         return 0
 
-    bench = Workbench(options.jobs)
-    bench.prepare()
-    order = TestOrder(timed_run(bench))
+    benches = [Workbench(number) for number in range(options.jobs)]
+    for bench in benches:
+        bench.prepare()
+    order = TestOrder(benches[0].timed_run())
     equivalent = known_equivalents()
-    killed = rejected = explained = 0
-    survivors = []
-    for number, mutant in enumerate(todo, 1):
-        if without_line(mutant) in equivalent:
-            explained += 1
-            continue
-        bench.apply(mutant.path, mutant.text)
-        if not bench.compiles():
-            rejected += 1
-            outcome = "does not compile"
-        elif (name := bench.first_failing(order.of(mutant.path))) is not None:
-            killed += 1
-            order.noticed(mutant.path, name)
-            outcome = f"noticed by {name}"
-        else:
-            survivors.append(mutant)
-            outcome = "SURVIVED"
-        bench.apply(mutant.path, (ROOT / mutant.path).read_text())
-        print(f"[{number}/{len(todo)}] {mutant}: {outcome}", flush=True)
+    score = Score(len(todo))
+    waiting = iter(todo)
 
-    tested = len(todo) - rejected - explained
-    print(f"\n{len(todo)} mutants: {rejected} do not compile, {killed} noticed, "
-          f"{explained} equivalent, {len(survivors)} survived"
-          + (f" ({100 * killed / tested:.1f} % noticed)" if tested else ""))
-    for mutant in survivors:
-        print(f"  survived: {mutant}")
-    return 1 if survivors else 0
+    def work(bench):
+        # A generator of its own would be entered by two threads; a list's iterator may be.
+        for mutant in waiting:
+            try_mutant(bench, mutant, order, equivalent, score)
+
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        for finished in [pool.submit(work, bench) for bench in benches]:
+            finished.result()
+    score.report()
+    return 1 if score.survivors else 0
 
 
 if __name__ == "__main__":

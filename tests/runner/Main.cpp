@@ -1,0 +1,21 @@
+#include "IsolatedRun.h"
+
+#include <gmock/gmock.h>
+
+#include <exception>
+#include <filesystem>
+#include <iostream>
+
+int main(int argc, char **argv) {
+    testing::InitGoogleMock(&argc, argv);
+    IsolatedRun run;
+    CLI::App app{"Tests; GoogleTest's options are valid too."};
+    run.addOptionsTo(app);
+    CLI11_PARSE(app, argc, argv);
+    try {
+        return runTests(run, std::filesystem::path(argv[0]).filename());
+    } catch (const std::exception &exception) {
+        std::cerr << argv[0] << ": " << exception.what() << '\n';
+        return 2;
+    }
+}
