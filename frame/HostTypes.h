@@ -12,7 +12,6 @@ struct REALstringStruct;
 namespace HostEncoding {
 inline constexpr std::uint32_t macRoman = 0;
 inline constexpr std::uint32_t utf16 = 0x0100; // host byte order
-inline constexpr std::uint32_t isoLatin1 = 0x0201;
 inline constexpr std::uint32_t windowsLatin1 = 0x0500;
 inline constexpr std::uint32_t ascii = 0x0600;
 inline constexpr std::uint32_t utf8 = 0x08000100;

@@ -17,7 +17,7 @@ namespace {
 constexpr double versions[] = {0.0, 2011.4, 2012.0, 2012.2, 2013.0, 2013.04};
 constexpr std::uint32_t encodings[] = {
     // the host knows no others
-    HostEncoding::macRoman,      HostEncoding::utf16,   HostEncoding::isoLatin1,
+    HostEncoding::macRoman,      HostEncoding::utf16,   host::encoding::latin1,
     HostEncoding::windowsLatin1, HostEncoding::ascii,   HostEncoding::utf8,
     HostEncoding::utf32,         HostEncoding::unknown,
 };

@@ -95,6 +95,8 @@ struct ImagePlan {
 
     /// The section of that name ("__TEXT,__text"); null when there is none.
     [[nodiscard]] const Section *section(std::string_view name) const;
+    /// True when that many bytes lie in one readable segment: there are gaps between segments.
+    [[nodiscard]] bool isReadable(std::uint64_t offset, std::uint64_t length) const;
     /// True when `offset` lies in the file's part of an executable segment.
     [[nodiscard]] bool isCode(std::uint64_t offset) const;
     /// True when a string that ends with a zero byte stands at `offset`, in the file's part of a

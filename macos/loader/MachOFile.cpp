@@ -129,6 +129,19 @@ void readSections(const Reporter &reporter, ImagePlan &plan) {
             reporter.fail("initialisers", "there is no code at " + hex(offset));
 }
 
+/// What is read when an exception passes must be there by then.
+void checkUnwindTable(const ImagePlan &plan, const Reporter &reporter) {
+    for (const auto &record : plan.unwind.records) {
+        const auto where = "the unwind record of the function at " + hex(record.start);
+        if (record.personalitySlot != 0 && !plan.isReadable(record.personalitySlot, sizeof(void *)))
+            reporter.fail(where, "the pointer to its personality at " +
+                                     hex(record.personalitySlot) + " lies in no readable segment");
+        if (record.languageData != 0 && !plan.isReadable(record.languageData, 1))
+            reporter.fail(where, "its handler table at " + hex(record.languageData) +
+                                     " lies in no readable segment");
+    }
+}
+
 void readUnwindTable(const LoadCommands &commands, const Reporter &reporter, ImagePlan &plan) {
     DwarfFrames frames;
     if (const auto *section = plan.section("__TEXT,__eh_frame"))
@@ -159,6 +172,7 @@ ImagePlan planImage(Bytes file, std::string source) {
     readFixups(file, commands, reporter, plan);
     readSymbols(commands, reporter, plan);
     readUnwindTable(commands, reporter, plan);
+    checkUnwindTable(plan, reporter);
     return plan;
 }
 
@@ -167,6 +181,13 @@ ImagePlan planImage(Bytes file, std::string source) {
 const Section *ImagePlan::section(std::string_view name) const {
     const auto found = std::ranges::find(sections, name, &Section::name);
     return found == sections.end() ? nullptr : &*found;
+}
+
+bool ImagePlan::isReadable(std::uint64_t offset, std::uint64_t length) const {
+    return std::ranges::any_of(segments, [&](const Segment &segment) {
+        return segment.readable && offset >= segment.offset &&
+               rangeFits(offset - segment.offset, length, segment.size);
+    });
 }
 
 bool ImagePlan::isCode(std::uint64_t offset) const {

@@ -126,6 +126,8 @@ TEST_P(StandardExceptionMapping, GivesNull) {
 
 TEST_P(StandardExceptionMapping, RaisesTheClassWithTheMessage) {
     text_.build();
+    // Not by way of another class that the host does not know.
+    EXPECT_EQ(text_.host.services().calls("PluginNewInstance"), 1u);
     const auto raised = text_.host.takePendingException();
     ASSERT_TRUE(raised);
     EXPECT_EQ(raised->className, GetParam().className);

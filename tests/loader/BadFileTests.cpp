@@ -154,6 +154,13 @@ TEST(UniversalFile, withWrongPlaces) {
         }
 }
 
+TEST(BadFile, personalityBetweenSegments) {
+    const auto file = readFile(TEST_CORPUS "/personality-between-segments");
+    EXPECT_EQ(parseError(file),
+              "the file: the unwind record of the function at 0x530: the pointer to its "
+              "personality at 0x2008 lies in no readable segment");
+}
+
 /// Inputs that once did harm: found by the fuzzer, or made to try a way of doing harm.
 TEST(Corpus, isReadWithoutHarm) {
     int files = 0;
