@@ -122,8 +122,8 @@ IMP ownMethod(Class cls, SEL selector) {
 
 // Whether objects of the class are a kind of it and its superclasses, and of nothing else.
 bool answersAsNSObject(Class cls) {
-    return isKindOfClassOfNSObject != nullptr && classOfNSObject != nullptr &&
-           class_getMethodImplementation(cls, @selector(isKindOfClass:)) ==
+    // No method's implementation is null.
+    return class_getMethodImplementation(cls, @selector(isKindOfClass:)) ==
                isKindOfClassOfNSObject &&
            class_getMethodImplementation(cls, @selector(class)) == classOfNSObject;
 }

@@ -110,11 +110,12 @@ TEST(HostStringWithout, BytesIsNil) {
     HostStringScene scene;
     scene.handOutNoCFString();
     scene.host.services().hide("StringGetCString");
-    for (const std::uint32_t encoding : {host::encoding::utf8, host::encoding::utf16}) {
-        EXPECT_EQ(scene.convertBytes("abcd", encoding), nil);
-        EXPECT_THAT(scene.host.calls(),
-                    testing::Not(Contains(testing::HasSubstr("CFStringCreate"))));
-    }
+    for (const std::uint32_t encoding : {host::encoding::utf8, host::encoding::utf16})
+        for (const char *text : {"abcd", "a"}) {
+            EXPECT_EQ(scene.convertBytes(text, encoding), nil);
+            EXPECT_THAT(scene.host.calls(),
+                        testing::Not(Contains(testing::HasSubstr("CFStringCreate"))));
+        }
 }
 
 TEST(HostStringWithout, LenBIsEmpty) {

@@ -238,6 +238,25 @@ INSTANTIATE_TEST_SUITE_P(, MemoryBlockReportStep,
                                          "REALSetPropValueInteger", "RuntimeRaiseException"),
                          [](const auto &tested) { return std::string(tested.param); });
 
+// The exception of a large block's constructor is dropped, but not the failure to drop it.
+TEST(MemoryBlockReport, OfALargeBlockLetsAFailingReleasePass) {
+    MemoryBlockScene scene;
+    scene.host.setMemoryBlockLimit(15);
+    std::vector<std::string> released;
+    scene.host.services().fail("REALUnlockObject", [&] {
+        released.push_back(scene.host.calls().back());
+        if (released.back() != "REALUnlockObject(MemoryBlock#1)")
+            throwOf(Thrown::standard);
+    });
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(leastLargeSize); }), "on the way");
+    EXPECT_THAT(released, ElementsAre("REALUnlockObject(MemoryBlock#1)",
+                                      "REALUnlockObject(OutOfMemoryException#2)"));
+    EXPECT_EQ(scene.host.services().calls("RuntimeRaiseException"), 0u);
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(testing::StartsWith("OutOfMemoryException#2 leaked, 1 reference")));
+}
+
 TEST(MemoryBlockReport, LetsAnotherExceptionPass) {
     MemoryBlockScene scene;
     scene.host.services().answerNull("newMemoryBlock");

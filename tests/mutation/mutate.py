@@ -141,7 +141,7 @@ def deleted_statements(path, text):
     code = blank_comments_and_strings(text)
     for begin, end in statements(code):
         statement = text[begin:end]
-        if not DECLARATION.match(statement):
+        if not DECLARATION.match(statement) and not statement.endswith("= delete;"):
             yield Mutant(path, line_of(text, begin), f"deleted: {short(statement)}",
                          text, text[:begin] + ";" + text[end:])
 

@@ -184,7 +184,8 @@ void IsolatedRun::addOptionsTo(CLI::App &app) {
 }
 
 int runTests(const IsolatedRun &run, const std::string &label) {
-    if (!run.wanted)
+    // A death test may start the program again, with these options, to run itself alone.
+    if (!run.wanted || testing::internal::InDeathTestChild())
         return RUN_ALL_TESTS();
 
     const Names tests = testsOf(run);

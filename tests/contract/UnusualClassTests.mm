@@ -1,0 +1,189 @@
+// Classes that are not what they seem to be by their name, their root or their methods.
+
+#import "ClassPairs.h"
+#include "DispatchScene.h"
+#import "MethodFunctions.h"
+
+#include "host/Inspect.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstring>
+#include <objc/runtime.h>
+#include <sys/mman.h>
+
+using testing::ElementsAre;
+using testing::StartsWith;
+
+/// A root class of its own; what it lacks it has from NSObject, see borrow().
+__attribute__((objc_root_class))
+@interface BorrowingRoot {
+    Class isa;
+@public
+    int references;
+}
+- (id)retain;
+@end
+
+@implementation BorrowingRoot
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    static_cast<void>(selector);
+    return NO;
+}
+
+- (id)retain {
+    ++references;
+    return (id)self;
+}
+
+- (void)release {
+    --references;
+}
+
+@end
+
+namespace {
+
+struct UnusualClass : testing::Test {
+    DispatchScene scene;
+    host::Host &host = scene.host;
+
+    std::string classOfNew(Class cls) {
+        return host.className(scene.convert([[[cls alloc] init] autorelease]));
+    }
+};
+
+void borrow(Class cls, SEL selector) {
+    const Method method = class_getInstanceMethod([NSObject class], selector);
+    class_addMethod(cls, selector, method_getImplementation(method),
+                    method_getTypeEncoding(method));
+}
+
+void rename(Class cls, const char *name) {
+    // The name stands behind the class's own class and its parent, in both halves of the class.
+    reinterpret_cast<const char **>(cls)[2] = name;
+    reinterpret_cast<const char **>(object_getClass((id)cls))[2] = name;
+}
+
+/// Runs on in the function; stands in no library.
+class GeneratedCode {
+public:
+    explicit GeneratedCode(IMP function) {
+        // movabs $function, %rax; jmp *%rax
+        std::array<unsigned char, 12> code = {0x48, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xE0};
+        std::memcpy(&code[2], reinterpret_cast<const void *>(&function), sizeof function);
+        std::memcpy(page_, code.data(), code.size());
+        mprotect(page_, pageSize, PROT_READ | PROT_EXEC);
+    }
+    ~GeneratedCode() { munmap(page_, pageSize); }
+    GeneratedCode(const GeneratedCode &) = delete;
+    GeneratedCode &operator=(const GeneratedCode &) = delete;
+
+    [[nodiscard]] IMP function() const { return reinterpret_cast<IMP>(page_); }
+
+private:
+    static constexpr std::size_t pageSize = 4096;
+    void *page_ =
+        mmap(nullptr, pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+};
+
+/// NSObject's method in other code from before the image is loaded.
+class ReplacedEarly {
+public:
+    explicit ReplacedEarly(SEL selector)
+        : method_(class_getInstanceMethod([NSObject class], selector)),
+          before_(method_getImplementation(method_)), code_(before_) {
+        method_setImplementation(method_, code_.function());
+    }
+    ~ReplacedEarly() { method_setImplementation(method_, before_); }
+    ReplacedEarly(const ReplacedEarly &) = delete;
+    ReplacedEarly &operator=(const ReplacedEarly &) = delete;
+
+private:
+    Method method_;
+    IMP before_;
+    GeneratedCode code_;
+};
+
+struct MethodOfNoLibrary : testing::Test {
+    /// Whether the plug-in takes the method of that variable for NSObject's own.
+    static bool isTrusted(host::Image &image, const char *variable) {
+        return *imageFunction<IMP>(image, std::string("(anonymous namespace)::") + variable) !=
+               nullptr;
+    }
+    static void expectConversionsAsEver(DispatchScene &scene) {
+        scene.know("NSImageZKT");
+        scene.know("NSObjectZKT");
+        const Class image = makeClass("UsersImage", classNamed("NSImage"));
+        const id object = [[[image alloc] init] autorelease];
+        const host::ObjectRef made = scene.convert(object);
+        EXPECT_EQ(scene.host.className(made), "NSImageZKT");
+        EXPECT_EQ(host::siblings::registered((const void *)object), made.handle());
+    }
+};
+
+} // namespace
+
+TEST_F(UnusualClass, WithAShortNameIsUnlisted) {
+    constexpr auto madeNSObject = "PluginNewInstance(\"NSObjectZKT\") = NSObjectZKT#";
+    scene.know("NSObjectZKT");
+    for (const char *name : {"N", "NS", "NSx", "NSxy", "Nothing", "nsImage"}) {
+        const Class made = makeClass(name, [NSObject class]);
+        host.clearTrace();
+        EXPECT_EQ(classOfNew(made), "NSObjectZKT");
+        EXPECT_THAT(scene.requests(),
+                    ElementsAre(asks(std::string(name) + "ZKT"), StartsWith(madeNSObject)));
+    }
+}
+
+// As with two libraries that have a class of the same name each: the runtime knows the first.
+TEST_F(UnusualClass, WithTheNameOfAnotherIsNotThatOther) {
+    scene.know("NSShadowZKT");
+    const Class first = classNamed("NSShadow");
+    const Class second = makeClass("SecondShadow", [NSObject class]);
+    rename(second, "NSShadow");
+    ASSERT_STREQ(class_getName(second), "NSShadow");
+    for (const Class each : {first, second}) {
+        const id object = [[[each alloc] init] autorelease];
+        const host::ObjectRef made = scene.convert(object);
+        EXPECT_EQ(host.className(made), "NSShadowZKT");
+        EXPECT_EQ(host::siblings::registered((const void *)object) != nullptr, each == first)
+            << "the second is only walked, and found by its name";
+    }
+}
+
+TEST_F(UnusualClass, OfARootThatAnswersAsNSObjectDoesIsWalkedToItsEnd) {
+    scene.know("BorrowingRootZKT");
+    const Class root = objc_lookUpClass("BorrowingRoot");
+    borrow(root, @selector(isKindOfClass:));
+    borrow(root, @selector(class));
+    alignas(void *) std::array<unsigned char, 64> memory{};
+    std::memcpy(memory.data(), reinterpret_cast<const void *>(&root), sizeof root);
+    auto *const object = reinterpret_cast<BorrowingRoot *>(memory.data());
+    {
+        const host::ObjectRef made = scene.convert((id)object);
+        EXPECT_EQ(host.className(made), "BorrowingRootZKT");
+        EXPECT_EQ(object->references, 1);
+    }
+    EXPECT_EQ(object->references, 0);
+    host.hideClass("BorrowingRootZKT");
+    EXPECT_EQ(scene.convertRaw((id)object), nullptr);
+}
+
+TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsIsKindOfClass) {
+    const ReplacedEarly replaced(@selector(isKindOfClass:));
+    DispatchScene scene;
+    expectConversionsAsEver(scene);
+    EXPECT_FALSE(isTrusted(scene.image, "isKindOfClassOfNSObject"));
+    EXPECT_TRUE(isTrusted(scene.image, "classOfNSObject"));
+}
+
+TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsClass) {
+    const ReplacedEarly replaced(@selector(class));
+    DispatchScene scene;
+    expectConversionsAsEver(scene);
+    EXPECT_TRUE(isTrusted(scene.image, "isKindOfClassOfNSObject"));
+    EXPECT_FALSE(isTrusted(scene.image, "classOfNSObject"));
+}
