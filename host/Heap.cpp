@@ -114,6 +114,8 @@ Thing *Heap::checkLive(Thing *thing, Handle handle, std::string_view needed) {
     const std::string wanted = " where a live " + std::string(needed) + " is needed";
     if (handle == nullptr)
         violation("got nil" + wanted);
+    else if (reinterpret_cast<std::uint64_t>(handle) == registerFiller)
+        violation("got what the host had left in a register" + wanted);
     else if (thing == nullptr)
         violation("got a pointer that is no host " + std::string(needed) + wanted);
     else if (thing->life == Life::freed)

@@ -28,6 +28,10 @@
 
 namespace host {
 
+/// What the host leaves in every register that a call's declaration does not fill. No address: a
+/// function that takes it for an argument, or answers with it, does not fit its declaration.
+inline constexpr std::uint64_t registerFiller = 0xF7F7F7F7F7F7F7F7;
+
 enum class Life { alive, dying, freed };
 
 /// What objects and strings have in common.

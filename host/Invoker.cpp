@@ -6,6 +6,7 @@
 
 #include <ffi.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <deque>
@@ -181,6 +182,23 @@ Value fromSlot(Host &host, const Slot &slot, const Type &type) {
     }
 }
 
+/// Whether the callee answered with what the host had left in a register: it sets another one, or
+/// gives back an argument that its declaration does not have. Booleans and 32-bit integers are not
+/// asked: theirs may be so by chance.
+bool isRegisterFiller(const Slot &answer, const Type &type) {
+    switch (type.kind) {
+    case TypeKind::integer:
+    case TypeKind::uint64:
+    case TypeKind::pointer:
+    case TypeKind::real:
+        return answer.uint64 == registerFiller;
+    case TypeKind::single:
+        return answer.uint32 == static_cast<std::uint32_t>(registerFiller);
+    default:
+        return false;
+    }
+}
+
 /// A call being put together; at most this many arguments, the object included.
 class Call {
 public:
@@ -198,19 +216,27 @@ public:
 
 private:
     static constexpr std::size_t limit = 16;
+    // The registers that the calling convention passes arguments in.
+    static constexpr std::size_t integerRegisters = 6;
+    static constexpr std::size_t realRegisters = 8;
+    static constexpr std::size_t places = limit + integerRegisters + realRegisters;
 
     Slot &next(ffi_type *type) {
         if (count_ == limit)
             throw UsageError("more than " + std::to_string(limit) + " arguments");
+        return append(type);
+    }
+    Slot &append(ffi_type *type) {
         types_[count_] = type;
         return slots_[count_++];
     }
+    void fillRegisters();
 
     Host &host_;
     Heap::Acting acting_;
     std::size_t count_ = 0;
-    std::array<Slot, limit> slots_{};
-    std::array<ffi_type *, limit> types_{};
+    std::array<Slot, places> slots_{};
+    std::array<ffi_type *, places> types_{};
     std::deque<ObjectRef> held_;
 };
 
@@ -242,18 +268,35 @@ void Call::addAll(const std::vector<Parameter> &parameters, const Values &values
     }
 }
 
+/// More arguments than the callee knows of: as long as they fit into registers, it cannot tell.
+void Call::fillRegisters() {
+    const auto reals = static_cast<std::size_t>(
+        std::count_if(types_.begin(), types_.begin() + count_,
+                      [](auto *t) { return t == &ffi_type_double || t == &ffi_type_float; }));
+    const std::size_t integers = count_ - reals;
+    for (std::size_t i = integers; i < integerRegisters; ++i)
+        append(&ffi_type_uint64).uint64 = registerFiller;
+    for (std::size_t i = reals; i < realRegisters; ++i)
+        append(&ffi_type_double).uint64 = registerFiller;
+}
+
 Value Call::run(void *function, const std::optional<Type> &result) {
+    fillRegisters();
     ffi_cif interface;
     ffi_type *const resultType = result ? ffiTypeOf(*result) : &ffi_type_void;
     if (ffi_prep_cif(&interface, FFI_DEFAULT_ABI, static_cast<unsigned>(count_), resultType,
                      types_.data()) != FFI_OK)
         throw UsageError("libffi refuses the call");
-    std::array<void *, limit> places;
+    std::array<void *, places> values;
     for (std::size_t i = 0; i < count_; ++i)
-        places[i] = &slots_[i];
+        values[i] = &slots_[i];
     // libffi widens small integers to a register; their low bytes come first.
     Slot answer{};
-    ffi_call(&interface, FFI_FN(function), &answer, places.data());
+    ffi_call(&interface, FFI_FN(function), &answer, values.data());
+    if (result && !result->isArray && isRegisterFiller(answer, *result))
+        host_.heap().violation("returned what the host had left in a register where the "
+                               "declaration says " +
+                               describe(*result));
     return result ? fromSlot(host_, answer, *result) : Value{};
 }
 

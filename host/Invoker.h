@@ -13,7 +13,8 @@
 //
 // Exceptions thrown by the callee pass through. Wrong arguments are UsageErrors; wrong results
 // (a handle that is none, an object of another class than declared, no reference to hand over)
-// are violations and read as nil.
+// are violations and read as nil. Registers that the declaration leaves free hold a pattern, so
+// that a function which takes more than it declares, or answers in another register, is noticed.
 
 #include "host/ClassTable.h"
 #include "host/Heap.h"

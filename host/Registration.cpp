@@ -17,6 +17,12 @@ bool isFamilyName(std::string_view name) {
     return name.ends_with("ZKT");
 }
 
+// The flags that plug-ins give this host's classes, fields and functions.
+constexpr std::uint64_t classFlags = 4;
+constexpr std::int64_t propertyFlags = 6;
+constexpr std::int64_t methodFlags = 4;
+constexpr std::int64_t extraMethodFlag = 0x80;
+
 /// Reads a record and notes what is wrong with it.
 class Reader {
 public:
@@ -29,6 +35,9 @@ private:
     void fault(const std::string &text) {
         const bool named = record_.name != nullptr && *record_.name != '\0';
         faults.push_back((named ? record_.name : "a class without a name") + (": " + text));
+    }
+    void unknownFlags(const std::string &place, std::int64_t flags) {
+        fault(place + ": the flags " + std::to_string(flags) + " are not supported");
     }
     void readHeader(HostClass &type);
     Property readProperty(const PluginPropertyRecord &row, const std::string &place);
@@ -82,6 +91,8 @@ Property Reader::readProperty(const PluginPropertyRecord &row, const std::string
         fault(place + ": no name");
     if (row.group != 0)
         fault(place + ": groups are not supported");
+    if (row.flags != propertyFlags)
+        unknownFlags(place, row.flags);
     checkReserved(row, place);
     if (row.type == nullptr) {
         fault(place + ": no type");
@@ -117,6 +128,8 @@ Method Reader::readMethod(const PluginMethodRecord &row, const std::string &plac
         fault(place + ": no function");
     if (row.secondFunction != nullptr)
         fault(place + ": second functions are not supported");
+    if ((row.flags & ~extraMethodFlag) != methodFlags)
+        unknownFlags(place, row.flags);
     checkReserved(row, place);
     if (row.declaration == nullptr) {
         fault(place + ": no declaration");
@@ -198,6 +211,8 @@ void Reader::readHeader(HostClass &type) {
     if (record_.dataOffset != 0)
         fault("the data offset is the host's to write, but is " +
               std::to_string(record_.dataOffset));
+    if (record_.flags != classFlags)
+        fault("the flags " + std::to_string(record_.flags) + " are not supported");
     checkEmpty(record_.events, record_.eventCount, "events");
     checkEmpty(record_.eventInstances, record_.eventInstanceCount, "event instances");
     checkEmpty(record_.interfaces, 0, "interfaces");

@@ -2,6 +2,7 @@
 //
 // Exit status: 0 fine; 1 the plug-in misbehaved (violations, leaks, a foreign exception);
 // 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception.
+// A plug-in that misbehaved gives 1 whatever follows from it; its violations stand first.
 
 #include "host/Cocoa.h"
 #include "host/Description.h"
@@ -42,13 +43,21 @@ bool wantsColours() {
            terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
-/// Tells what went wrong in the life of the host, which has been shut down.
+/// Tells what the plug-in did wrong until now; leaks are known once the host has been shut down.
 Status verdict(host::Host &host) {
     const auto &violations = host.violations();
     std::fflush(stdout);
     for (const std::string &violation : violations)
         print(stderr, "violation: " + violation + '\n');
     return violations.empty() ? fine : misbehaved;
+}
+
+/// For work that ended early: what the plug-in did wrong until then may be the cause, and is then
+/// the status.
+Status giveUp(host::Host &host, const std::string &what, Status status) {
+    const Status before = verdict(host);
+    complain(what, status);
+    return before == fine ? status : before;
 }
 
 host::Image &load(host::Host &host, const zkthost::Options &options) {
@@ -148,16 +157,16 @@ int main(int argc, char **argv) {
     try {
         Status status = fine;
         const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(host, options); });
-        return cocoa ? complain("the plug-in let an NSException through: " + *cocoa, misbehaved)
+        return cocoa ? giveUp(host, "the plug-in let an NSException through: " + *cocoa, misbehaved)
                      : status;
     } catch (const zkthost::InputError &error) {
-        return complain(error.what(), badInput);
+        return giveUp(host, error.what(), badInput);
     } catch (const host::UsageError &error) {
-        return complain(error.what(), badInput);
+        return giveUp(host, error.what(), badInput);
     } catch (const std::exception &error) {
-        return complain(std::string("the plug-in let a C++ exception through: ") + error.what(),
-                        misbehaved);
+        return giveUp(host, std::string("the plug-in let a C++ exception through: ") + error.what(),
+                      misbehaved);
     } catch (...) {
-        return complain("the plug-in let a C++ exception through", misbehaved);
+        return giveUp(host, "the plug-in let a C++ exception through", misbehaved);
     }
 }

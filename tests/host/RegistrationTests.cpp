@@ -23,6 +23,7 @@ struct GoodClass : FakeClass {
                    method("overloaded(a as Integer)", pointer(function)),
                    method("overloaded(a as String)", pointer(function)),
                    method("other as NSOtherZKT", pointer(function))};
+        methods[0].flags = 0x84;
         constants = {constantRow("One=1"), constantRow("Two = &h2")};
         sharedMethods = {method("shared as GoodZKT", pointer(function))};
         fill();
@@ -132,6 +133,7 @@ const Fault faults[] = {
      "GoodZKT: unknown superclass NoSuchClass"},
     {"SuperclassWithData", [](GoodClass &c) { c.record.superclass = "NSExceptionZKT"; },
      "GoodZKT: superclass NSExceptionZKT has instance data"},
+    {"Flags", [](GoodClass &c) { c.record.flags = 5; }, "GoodZKT: the flags 5 are not supported"},
     {"DataSize", [](GoodClass &c) { c.record.dataSize = 40; },
      "GoodZKT: the data size 40 is no multiple of 16"},
     {"DataOffset", [](GoodClass &c) { c.record.dataOffset = 48; },
@@ -171,6 +173,8 @@ const Fault faults[] = {
      "GoodZKT: property 1 (size): unknown type Integre"},
     {"PropertyGroup", [](GoodClass &c) { c.properties[0].group = 1; },
      "GoodZKT: property 1 (size): groups are not supported"},
+    {"PropertyFlags", [](GoodClass &c) { c.properties[0].flags = 4; },
+     "GoodZKT: property 1 (size): the flags 4 are not supported"},
     {"PropertyReserved", [](GoodClass &c) { c.properties[0].reserved[4] = 1; },
      "GoodZKT: property 1 (size): a reserved slot is not zero"},
     {"PropertyGetter", [](GoodClass &c) { c.properties[0].getter = nullptr; },
@@ -191,6 +195,10 @@ const Fault faults[] = {
      "GoodZKT: method 1 (Constructor): no function"},
     {"MethodSecondFunction", [](GoodClass &c) { c.methods[0].secondFunction = pointer(function); },
      "GoodZKT: method 1 (Constructor): second functions are not supported"},
+    {"MethodFlags", [](GoodClass &c) { c.methods[0].flags = 0x80; },
+     "GoodZKT: method 1 (Constructor): the flags 128 are not supported"},
+    {"SharedMethodFlags", [](GoodClass &c) { c.sharedMethods[0].flags = 0x104; },
+     "GoodZKT: shared method 1 (shared as GoodZKT): the flags 260 are not supported"},
     {"MethodReserved", [](GoodClass &c) { c.methods[0].reserved[0] = 1; },
      "GoodZKT: method 1 (Constructor): a reserved slot is not zero"},
     {"MethodDeclaration", [](GoodClass &c) { c.methods[0].declaration = nullptr; },

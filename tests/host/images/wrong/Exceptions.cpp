@@ -1,0 +1,41 @@
+// Exceptions of C++ that leave the plug-in.
+
+#include "Plugin.h"
+
+#include <exception>
+
+namespace {
+
+class Thrown : public std::exception {
+public:
+    [[nodiscard]] const char *what() const noexcept override { return "not caught at home"; }
+};
+
+} // namespace
+
+namespace faults {
+
+void thrownByEntryPoint(Plugin &) {
+    throw Thrown();
+}
+
+void thrownByConstructor(Plugin &plugin) {
+    plugin.type.constructor = [](ObjectHandle) { throw Thrown(); };
+}
+
+void thrownByMethod(Plugin &plugin) {
+    plugin.setMethod("act", [](ObjectHandle) { throw Thrown(); });
+}
+
+void thrownAfterOverRelease(Plugin &plugin) {
+    plugin.setMethod("act", [](ObjectHandle self) {
+        unlockObject(self);
+        throw Thrown();
+    });
+}
+
+void thrownByDestructor(Plugin &plugin) {
+    plugin.type.destructor = [](ObjectHandle) { throw Thrown(); };
+}
+
+} // namespace faults
