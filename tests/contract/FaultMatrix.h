@@ -54,6 +54,8 @@ struct Aftermath {
     [[nodiscard]] Aftermath leftBy(std::string exception) const;
     [[nodiscard]] Aftermath complaining(std::string complaint) const;
 
+    /// Without what concerns more than one run: log, messages, references, the host's complaints.
+    [[nodiscard]] Aftermath ofOneRun() const;
     /// For comparison and for messages.
     [[nodiscard]] std::string text() const;
 };
@@ -81,6 +83,8 @@ struct Row {
     Rule thrown;
     /// The service fails the first time only: what reports the failure needs it as well.
     bool once = false;
+    /// The service is asked in the first run only; if it is silent then, that is remembered.
+    bool remembered = false;
 };
 using Rows = std::vector<Row>;
 

@@ -156,7 +156,10 @@ void addWork(Operations &all) {
                    .arrange = [](Scene &scene) { return working(scene, 3); },
                    .present = block,
                    .rows = {{"PluginNewInstance", nothing, passing(nothing)},
-                            {"REALLoadObjectMethod", nothing, passing(nothing)},
+                            {.service = "REALLoadObjectMethod",
+                             .silent = nothing,
+                             .thrown = passing(nothing),
+                             .remembered = true},
                             {"REALGetPropValueInteger", block, passing(nothing)}}});
     const std::string hosts = "OutOfMemoryException: no memory for a block of 3 bytes";
     const Aftermath refused = nothing.raising(hosts);
@@ -168,7 +171,10 @@ void addWork(Operations &all) {
                        },
                    .present = refused,
                    .rows = {{"PluginNewInstance", nothing, passing(nothing)},
-                            {"REALLoadObjectMethod", nothing, passing(nothing)},
+                            {.service = "REALLoadObjectMethod",
+                             .silent = nothing,
+                             .thrown = passing(nothing),
+                             .remembered = true},
                             {"REALGetPropValueInteger", refused, passing(refused)},
                             {"REALUnlockObject", refused.holding({"MemoryBlock"}),
                              passing(refused.holding({"MemoryBlock"}))}}});

@@ -131,6 +131,10 @@ Aftermath Aftermath::complaining(std::string complaint) const {
     return result;
 }
 
+Aftermath Aftermath::ofOneRun() const {
+    return {.value = value, .raised = raised, .state = state, .left = left};
+}
+
 std::string Aftermath::text() const {
     std::string result;
     if (!left.empty())

@@ -58,8 +58,12 @@ struct Scene : LoadedPlugin {
     /// Runs the act with these services in that state, in this process, and tells what is to be
     /// seen.
     Aftermath run(const Act &act, const Services &services, Fault fault, bool once = false);
+    /// The same, and then tells of a run with all services as they should be.
+    Aftermath runAgain(const Act &act, const Services &services, Fault fault, bool once = false);
 
 private:
+    std::string runWith(const Services &services, Fault fault, bool once,
+                        const std::function<void()> &body);
     std::unique_ptr<SharedObjectSubstitute> substitute_;
     std::vector<host::ObjectRef> results_;
     std::vector<host::StringRef> strings_;

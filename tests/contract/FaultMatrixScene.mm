@@ -216,7 +216,8 @@ std::string Scene::describe(host::ObjectHandle handle, id wrapped) const {
                                                    : "(another object)");
 }
 
-Aftermath Scene::run(const Act &act, const Services &services, Fault fault, bool once) {
+std::string Scene::runWith(const Services &services, Fault fault, bool once,
+                           const std::function<void()> &body) {
     bool thrown = false;
     for (const std::string_view service : services)
         if (fault == Fault::missing)
@@ -228,13 +229,27 @@ Aftermath Scene::run(const Act &act, const Services &services, Fault fault, bool
                 if (!std::exchange(thrown, true) || !once)
                     throwOf(fault);
             });
-
-    Aftermath after;
-    after.left = leaving([&] { after.value = act.run(); });
-    if (act.state)
-        after.state = act.state();
+    std::string left = leaving(body);
     for (const std::string_view service : services)
         host.services().restore(service);
+    return left;
+}
+
+Aftermath Scene::runAgain(const Act &act, const Services &services, Fault fault, bool once) {
+    runWith(services, fault, once, [&] { act.run(); });
+    host.takePendingException();
+    raised_.clear();
+    const auto strays = static_cast<std::ptrdiff_t>(host.strayExceptions().size());
+    Aftermath again = run(act, {}, Fault::none);
+    again.raised.erase(again.raised.begin(), again.raised.begin() + strays);
+    return again.ofOneRun();
+}
+
+Aftermath Scene::run(const Act &act, const Services &services, Fault fault, bool once) {
+    Aftermath after;
+    after.left = runWith(services, fault, once, [&] { after.value = act.run(); });
+    if (act.state)
+        after.state = act.state();
 
     for (const host::RaisedException &stray : host.strayExceptions())
         after.raised.push_back(shown(stray));

@@ -12,6 +12,7 @@
 namespace {
 
 using namespace matrix;
+using testing::AnyOfArray;
 
 /// The services in the order in which they were first looked for.
 Lines servicesLookedFor(const host::Host &host) {
@@ -44,6 +45,10 @@ const Row *rowOf(const Operation &operation, std::string_view service) {
 
 Aftermath expected(const Row &row, Fault fault) {
     return fault == Fault::missing || fault == Fault::null ? row.silent : row.thrown(fault);
+}
+
+void printCells(int cells) {
+    std::cout << cells << " cells\n";
 }
 
 class FaultMatrix : public testing::TestWithParam<Operation> {
@@ -96,8 +101,28 @@ TEST_P(FaultMatrix, ShowsOfEveryFaultWhatTheTableSays) {
     }
     for (const Fault fault : faults)
         expectUnchanged(unused, fault);
-    RecordProperty("cells", cells);
-    std::cout << cells << " cells\n";
+    printCells(cells);
+}
+
+// A run after a fault shows what it shows after a run without one; or, where that first run had
+// done something for good, what a first run shows.
+TEST_P(FaultMatrix, HarmsNoLaterRun) {
+    const auto afterwards = [&](const Scene::Services &services, Fault fault, bool once) {
+        return inChild([&] { return scene.runAgain(act, services, fault, once).text(); });
+    };
+    const std::string first = operation.present.ofOneRun().text();
+    const std::string second = afterwards({}, Fault::none, false);
+    int cells = 1;
+    for (const Row &row : operation.rows)
+        for (const Fault fault : faults) {
+            ++cells;
+            const bool silent = fault == Fault::missing || fault == Fault::null;
+            const Lines expected = row.remembered && silent ? Lines{row.silent.ofOneRun().text()}
+                                                            : Lines{second, first};
+            EXPECT_THAT(afterwards({row.service}, fault, row.once), AnyOfArray(expected))
+                << "after " << cell(row.service, fault);
+        }
+    printCells(cells);
 }
 
 static std::string testName(const testing::TestParamInfo<Operation> &tested) {

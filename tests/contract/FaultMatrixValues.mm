@@ -81,7 +81,10 @@ void addRoot(Operations &all) {
          .rows = {{"REALBuildString", gives("String(nil)").complaining(nullPath),
                    mapped(text.complaining(nullPath)), true},
                   {"REALSetStringEncoding", item, mapped(text.complaining(nullPath)), true},
-                  {"REALLoadGlobalMethod", text, passing(nothing)},
+                  {.service = "REALLoadGlobalMethod",
+                   .silent = text,
+                   .thrown = passing(nothing),
+                   .remembered = true},
                   {"REALUnlockString", item.holding({"String"}),
                    passing(nothing.holding({"String"}))}}});
 }
