@@ -16,4 +16,6 @@ public:
 
     /// How often the name was asked for.
     [[nodiscard]] std::size_t count(const std::string &name) const;
+    /// All names that were asked for, by the alphabet, each as often.
+    [[nodiscard]] std::vector<std::string> names() const;
 };

@@ -34,3 +34,10 @@ std::size_t ClassLookupSpy::count(const std::string &name) const {
     const auto found = counts.find(name);
     return found == counts.end() ? 0 : found->second;
 }
+
+std::vector<std::string> ClassLookupSpy::names() const {
+    std::vector<std::string> all;
+    for (const auto &[name, times] : counts)
+        all.insert(all.end(), times, name);
+    return all;
+}

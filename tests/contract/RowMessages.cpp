@@ -37,6 +37,10 @@ void askEveryRow(bool on) {
     everyRow = on;
 }
 
+bool asksEveryRow() {
+    return everyRow;
+}
+
 // Stands before the runtime's function for the program and for the images that it loads.
 Implementation *class_getMethodImplementation(objc_class *cls, objc_selector *selector) {
     if (everyRow && isWithheld(selector)) [[unlikely]]
