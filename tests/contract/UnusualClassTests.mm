@@ -3,6 +3,8 @@
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
+#import "MethodSubstitute.h"
+#import "RootObject.h"
 
 #include "host/Inspect.h"
 
@@ -16,32 +18,11 @@
 using testing::ElementsAre;
 using testing::StartsWith;
 
-/// A root class of its own; what it lacks it has from NSObject, see borrow().
-__attribute__((objc_root_class))
-@interface BorrowingRoot {
-    Class isa;
-@public
-    int references;
-}
-- (id)retain;
+/// What it lacks it has from NSObject, see borrow().
+@interface BorrowingRoot : RootObject
 @end
 
 @implementation BorrowingRoot
-
-- (BOOL)respondsToSelector:(SEL)selector {
-    static_cast<void>(selector);
-    return NO;
-}
-
-- (id)retain {
-    ++references;
-    return (id)self;
-}
-
-- (void)release {
-    --references;
-}
-
 @end
 
 namespace {
@@ -67,7 +48,7 @@ void rename(Class cls, const char *name) {
     reinterpret_cast<const char **>(object_getClass((id)cls))[2] = name;
 }
 
-/// Runs on in the function; stands in no library.
+/// A function in no library that runs on in another.
 class GeneratedCode {
 public:
     explicit GeneratedCode(IMP function) {
@@ -87,24 +68,6 @@ private:
     static constexpr std::size_t pageSize = 4096;
     void *page_ =
         mmap(nullptr, pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-};
-
-/// NSObject's method in other code from before the image is loaded.
-class ReplacedEarly {
-public:
-    explicit ReplacedEarly(SEL selector)
-        : method_(class_getInstanceMethod([NSObject class], selector)),
-          before_(method_getImplementation(method_)), code_(before_) {
-        method_setImplementation(method_, code_.function());
-    }
-    ~ReplacedEarly() { method_setImplementation(method_, before_); }
-    ReplacedEarly(const ReplacedEarly &) = delete;
-    ReplacedEarly &operator=(const ReplacedEarly &) = delete;
-
-private:
-    Method method_;
-    IMP before_;
-    GeneratedCode code_;
 };
 
 struct MethodOfNoLibrary : testing::Test {
@@ -160,8 +123,7 @@ TEST_F(UnusualClass, OfARootThatAnswersAsNSObjectDoesIsWalkedToItsEnd) {
     borrow(root, @selector(isKindOfClass:));
     borrow(root, @selector(class));
     alignas(void *) std::array<unsigned char, 64> memory{};
-    std::memcpy(memory.data(), reinterpret_cast<const void *>(&root), sizeof root);
-    auto *const object = reinterpret_cast<BorrowingRoot *>(memory.data());
+    RootObject *const object = makeRootObject(memory.data(), root);
     {
         const host::ObjectRef made = scene.convert((id)object);
         EXPECT_EQ(host.className(made), "BorrowingRootZKT");
@@ -173,7 +135,9 @@ TEST_F(UnusualClass, OfARootThatAnswersAsNSObjectDoesIsWalkedToItsEnd) {
 }
 
 TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsIsKindOfClass) {
-    const ReplacedEarly replaced(@selector(isKindOfClass:));
+    const GeneratedCode code([NSObject instanceMethodForSelector:@selector(isKindOfClass:)]);
+    const MethodSubstitute replaced([NSObject class], @selector(isKindOfClass:),
+                                    functionOf<BOOL(id, SEL, Class)>(code.function()));
     DispatchScene scene;
     expectConversionsAsEver(scene);
     EXPECT_FALSE(isTrusted(scene.image, "isKindOfClassOfNSObject"));
@@ -181,7 +145,9 @@ TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsIsKindOfClass) {
 }
 
 TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsClass) {
-    const ReplacedEarly replaced(@selector(class));
+    const GeneratedCode code([NSObject instanceMethodForSelector:@selector(class)]);
+    const MethodSubstitute replaced([NSObject class], @selector(class),
+                                    functionOf<Class(id, SEL)>(code.function()));
     DispatchScene scene;
     expectConversionsAsEver(scene);
     EXPECT_FALSE(isTrusted(scene.image, "classOfNSObject"));

@@ -6,6 +6,7 @@
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
 #import "OwnObject.h"
+#import "RootObject.h"
 
 #include "host/Inspect.h"
 
@@ -70,15 +71,11 @@ using testing::ElementsAre;
 
 @end
 
-/// A root class of its own, with no more than the conversion asks of an object.
-__attribute__((objc_root_class))
-@interface OtherRoot {
-    Class isa;
+/// A root class that answers for itself.
+@interface OtherRoot : RootObject {
 @public
     Class kind;
-    int references;
 }
-- (id)retain;
 @end
 
 @implementation OtherRoot
@@ -87,22 +84,8 @@ __attribute__((objc_root_class))
     return wanted == kind;
 }
 
-- (BOOL)respondsToSelector:(SEL)selector {
-    static_cast<void>(selector);
-    return NO;
-}
-
 - (Class)class {
     return object_getClass((id)self);
-}
-
-- (id)retain {
-    ++references;
-    return (id)self;
-}
-
-- (void)release {
-    --references;
 }
 
 @end
@@ -142,12 +125,6 @@ struct UnusualObject : testing::Test {
 
 BOOL isAnImage(id, SEL, Class wanted) {
     return wanted == objc_lookUpClass("NSImage");
-}
-
-// An object of the other root class, which makes none itself.
-OtherRoot *newOtherRoot(void *memory) {
-    *static_cast<Class *>(memory) = objc_lookUpClass("OtherRoot");
-    return static_cast<OtherRoot *>(memory);
 }
 
 } // namespace
@@ -199,7 +176,8 @@ TEST_F(UnusualObject, AnotherRootIsAskedAndWalked) {
     scene.know("OtherRootZKT");
     scene.know("NSErrorZKT");
     alignas(void *) unsigned char memory[64] = {};
-    OtherRoot *const object = newOtherRoot(memory);
+    auto *const object =
+        static_cast<OtherRoot *>(makeRootObject(memory, objc_lookUpClass("OtherRoot")));
     {
         const host::ObjectRef made = scene.convert((id)object);
         EXPECT_EQ(host.className(made), "OtherRootZKT");
