@@ -24,6 +24,8 @@ void *imageFunction(host::Image &loaded, std::string_view name) {
     throw std::runtime_error("the image has no function " + std::string(name));
 }
 
+// What is thrown ends the program and is named as it does.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char **argv) {
     host::startFoundation(argc, argv, environ);
     const host::AutoreleasePool pool;

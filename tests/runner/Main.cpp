@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <iostream>
 
+// What is thrown ends the program and is named as it does.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char **argv) {
     testing::InitGoogleMock(&argc, argv);
     IsolatedRun run;
