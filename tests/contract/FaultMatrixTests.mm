@@ -125,6 +125,41 @@ TEST_P(FaultMatrix, HarmsNoLaterRun) {
     printCells(cells);
 }
 
+// A reference that cannot be given back is trouble, whichever it is: it shows as an exception that
+// leaves the operation, or in the host.
+TEST_P(FaultMatrix, DropsNoFailureToRelease) {
+    const auto outcome = [&](std::string_view service, int failing) -> std::string {
+        bool failed = false;
+        const Act failingOnce{[&] {
+            int calls = 0;
+            scene.host.services().fail(service, [&, failing] {
+                failed = failed || ++calls == failing;
+                if (calls == failing)
+                    throwOf(Fault::outOfRange);
+            });
+            std::string value = act.run();
+            scene.host.services().restore(service);
+            return value;
+        }};
+        const Aftermath after = scene.run(failingOnce, {}, Fault::none);
+        if (!failed)
+            return "not called";
+        const bool shows = after.left == exceptionOf(Fault::outOfRange) ||
+                           std::ranges::count(after.raised, "OutOfBoundsException: out of range");
+        return shows ? "shows" : after.text();
+    };
+    int cells = 0;
+    for (const std::string_view service : {"REALUnlockObject", "REALUnlockString"})
+        for (int failing = 1;; ++failing) {
+            const std::string seen = inChild([&] { return outcome(service, failing); });
+            if (seen == "not called")
+                break;
+            ++cells;
+            EXPECT_EQ(seen, "shows") << operation.name << ", call " << failing << " of " << service;
+        }
+    printCells(cells);
+}
+
 static std::string testName(const testing::TestParamInfo<Operation> &tested) {
     return testNameOf(tested.param);
 }
