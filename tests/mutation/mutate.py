@@ -191,9 +191,11 @@ def changed_constants(path, text):
 
 
 def changed_texts(path, text):
+    comments = {position for comment in re.finditer(r"//[^\n]*|/\*.*?\*/", text, flags=re.S)
+                for position in range(*comment.span())}
     for match in re.finditer(r'(?<=[ ({,@])"((?:\\.|[^"\\\n])+)"', text):
         line = text[text.rfind("\n", 0, match.start()) + 1: text.find("\n", match.end())]
-        if line.lstrip().startswith(("#", "//")) or 'extern "C"' in line:
+        if match.start() in comments or line.lstrip().startswith("#") or 'extern "C"' in line:
             continue
         yield Mutant(path, line_of(text, match.start()), f"text changed: {short(match.group())}",
                      text, text[: match.end() - 1] + "x" + text[match.end() - 1:])
