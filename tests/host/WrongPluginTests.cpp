@@ -62,10 +62,10 @@ protected:
     Host host_;
 };
 
-class InUse : public WrongPlugin {};
-class AtRegistration : public WrongPlugin {};
+class WrongPluginInUse : public WrongPlugin {};
+class WrongPluginAtRegistration : public WrongPlugin {};
 
-TEST_P(InUse, IsCaught) {
+TEST_P(WrongPluginInUse, IsCaught) {
     load();
     EXPECT_THAT(host_.violations(), IsEmpty()) << "its records are right";
     useInstance();
@@ -73,7 +73,7 @@ TEST_P(InUse, IsCaught) {
     EXPECT_THAT(host_.violations(), ElementsAreArray(fault().violations));
 }
 
-TEST_P(AtRegistration, IsCaught) {
+TEST_P(WrongPluginAtRegistration, IsCaught) {
     load();
     EXPECT_THAT(host_.violations(), ElementsAreArray(fault().violations));
     EXPECT_THAT(host_.registeredRecords(), IsEmpty());
@@ -196,59 +196,59 @@ const Fault records[] = {
     {"nameOfAHostClass", {"PluginRegisterClass: Date: the class is registered already"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Nothing, InUse,
+INSTANTIATE_TEST_SUITE_P(Nothing, WrongPluginInUse,
                          testing::Combine(testing::ValuesIn(control),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(References, InUse,
+INSTANTIATE_TEST_SUITE_P(References, WrongPluginInUse,
                          testing::Combine(testing::ValuesIn(references),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(Memory, InUse,
+INSTANTIATE_TEST_SUITE_P(Memory, WrongPluginInUse,
                          testing::Combine(testing::ValuesIn(memory),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(Declarations, InUse,
+INSTANTIATE_TEST_SUITE_P(Declarations, WrongPluginInUse,
                          testing::Combine(testing::ValuesIn(declarations),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(Services, InUse,
+INSTANTIATE_TEST_SUITE_P(Services, WrongPluginInUse,
                          testing::Combine(testing::ValuesIn(services),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(Records, AtRegistration,
+INSTANTIATE_TEST_SUITE_P(Records, WrongPluginAtRegistration,
                          testing::Combine(testing::ValuesIn(records),
                                           testing::ValuesIn(wrongPluginSystems)),
                          parameterName);
 
-class WrongStart : public testing::TestWithParam<const char *> {
+class WrongPluginAtStart : public testing::TestWithParam<const char *> {
 protected:
     void load(const char *fault) { host_.loadPlugin(wrongPlugin(GetParam(), fault)); }
     Host host_;
 };
 
-class WrongExceptions : public WrongStart {};
+class WrongPluginExceptions : public WrongPluginAtStart {};
 
-TEST_P(WrongStart, ClassRegisteredTwice) {
+TEST_P(WrongPluginAtStart, ClassRegisteredTwice) {
     load("registeredTwice");
     EXPECT_THAT(host_.violations(),
                 ElementsAre("PluginRegisterClass: WrongZKT: the class is registered already"));
     EXPECT_THAT(host_.registeredRecords(), SizeIs(1));
 }
 
-TEST_P(WrongStart, InterfaceVersionOfNoHost) {
+TEST_P(WrongPluginAtStart, InterfaceVersionOfNoHost) {
     load("versionOfNoHost");
     EXPECT_THAT(host_.violations(),
                 ElementsAre("RegisterPluginVersion: interface version 14 is none of 9 to 13"));
 }
 
-TEST_P(WrongStart, ServiceWithoutAName) {
+TEST_P(WrongPluginAtStart, ServiceWithoutAName) {
     load("namelessService");
     EXPECT_THAT(host_.violations(),
                 ElementsAre("the host: the resolver was asked for a service without a name"));
 }
 
-TEST_P(WrongStart, WithoutAnEntryPoint) {
+TEST_P(WrongPluginAtStart, WithoutAnEntryPoint) {
     EXPECT_THAT([&] { load("noEntryPoint"); },
                 ThrowsMessage<ImageError>(wrongPlugin(GetParam(), "noEntryPoint").string() +
                                           ": no plug-in: it does not export REALPluginMain"));
@@ -256,30 +256,30 @@ TEST_P(WrongStart, WithoutAnEntryPoint) {
 
 const auto leavesUnchanged = ThrowsMessage<std::exception>("not caught at home");
 
-TEST_P(WrongExceptions, FromTheEntryPoint) {
+TEST_P(WrongPluginExceptions, FromTheEntryPoint) {
     EXPECT_THAT([&] { load("thrownByEntryPoint"); }, leavesUnchanged);
     EXPECT_THAT(host_.registeredRecords(), IsEmpty());
 }
 
-TEST_P(WrongExceptions, FromAConstructorMakeNoObject) {
+TEST_P(WrongPluginExceptions, FromAConstructorMakeNoObject) {
     load("thrownByConstructor");
     EXPECT_THAT([&] { host_.newObject(wrongClass); }, leavesUnchanged);
     EXPECT_THAT(host_.liveObjects(), IsEmpty());
 }
 
-TEST_P(WrongExceptions, FromAMethod) {
+TEST_P(WrongPluginExceptions, FromAMethod) {
     load("thrownByMethod");
     const ObjectRef object = host_.newInstance(wrongClass);
     EXPECT_THAT([&] { host_.call(object, "act"); }, leavesUnchanged);
 }
 
-TEST_P(WrongExceptions, FromADestructorShowWhereTheObjectIsReleased) {
+TEST_P(WrongPluginExceptions, FromADestructorShowWhereTheObjectIsReleased) {
     load("thrownByDestructor");
     EXPECT_THAT([&] { host_.release(host_.newInstance(wrongClass)); }, leavesUnchanged);
     EXPECT_THAT(host_.liveObjects(), IsEmpty());
 }
 
-TEST_P(WrongExceptions, FromADestructorThatNobodyWatchesAreViolations) {
+TEST_P(WrongPluginExceptions, FromADestructorThatNobodyWatchesAreViolations) {
     load("thrownByDestructor");
     {
         const ObjectRef object = host_.newInstance(wrongClass);
@@ -289,9 +289,9 @@ TEST_P(WrongExceptions, FromADestructorThatNobodyWatchesAreViolations) {
     EXPECT_THAT(host_.liveObjects(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(, WrongStart, testing::ValuesIn(wrongPluginSystems),
+INSTANTIATE_TEST_SUITE_P(, WrongPluginAtStart, testing::ValuesIn(wrongPluginSystems),
                          [](const auto &info) { return std::string(info.param); });
-INSTANTIATE_TEST_SUITE_P(, WrongExceptions, testing::ValuesIn(wrongPluginSystems),
+INSTANTIATE_TEST_SUITE_P(, WrongPluginExceptions, testing::ValuesIn(wrongPluginSystems),
                          [](const auto &info) { return std::string(info.param); });
 
 } // namespace
