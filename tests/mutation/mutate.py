@@ -263,7 +263,8 @@ class Workbench:
         for name in filter(None, files):
             if (ROOT / name).is_file():
                 (self.source / name).parent.mkdir(parents=True, exist_ok=True)
-                shutil.copy2(ROOT / name, self.source / name)
+                # Newer than what an earlier run has left built.
+                shutil.copy(ROOT / name, self.source / name)
         # A copy, so that the tree can be built meanwhile.
         shutil.copy2(ROOT / "build/linux/tests/contract/contract_tests", self.tests)
         # Without warnings: what a mutant leaves unused must not save it from the tests.
