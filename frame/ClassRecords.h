@@ -13,7 +13,7 @@
 // The functions that a record can name, by the shape in which the host calls them. One slot each.
 // An instance is passed first; accessors get their row's parameter behind it.
 union PropertyGetter {
-    std::intptr_t marker = 0;
+    std::intptr_t marker;
     std::int64_t (*integer)(REALobjectStruct *, std::intptr_t);
     std::uint64_t (*unsignedInteger)(REALobjectStruct *, std::intptr_t);
     double (*floatingPoint)(REALobjectStruct *, std::intptr_t);
@@ -21,7 +21,6 @@ union PropertyGetter {
     REALstringStruct *(*string)(REALobjectStruct *, std::intptr_t);
     REALobjectStruct *(*object)(REALobjectStruct *, std::intptr_t);
 
-    constexpr PropertyGetter() {}
     constexpr PropertyGetter(std::intptr_t value) : marker(value) {}
     constexpr PropertyGetter(decltype(integer) function) : integer(function) {}
     constexpr PropertyGetter(decltype(unsignedInteger) function) : unsignedInteger(function) {}
@@ -73,7 +72,7 @@ struct PluginPropertyRecord {
     const char *name = nullptr;
     const char *type = nullptr; // as the host language names it
     std::int64_t flags = 6;
-    PropertyGetter getter{};
+    PropertyGetter getter;
     PropertySetter setter{}; // zero: read-only
     std::int64_t parameter = 0;
     std::array<std::int64_t, 5> unused{};

@@ -42,6 +42,10 @@ void borrow(Class cls, SEL selector) {
                     method_getTypeEncoding(method));
 }
 
+IMP methodOfNSObject(SEL selector) {
+    return method_getImplementation(class_getInstanceMethod([NSObject class], selector));
+}
+
 void rename(Class cls, const char *name) {
     // The name stands behind the class's own class and its parent, in both halves of the class.
     reinterpret_cast<const char **>(cls)[2] = name;
@@ -135,7 +139,7 @@ TEST_F(UnusualClass, OfARootThatAnswersAsNSObjectDoesIsWalkedToItsEnd) {
 }
 
 TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsIsKindOfClass) {
-    const GeneratedCode code([NSObject instanceMethodForSelector:@selector(isKindOfClass:)]);
+    const GeneratedCode code(methodOfNSObject(@selector(isKindOfClass:)));
     const MethodSubstitute replaced([NSObject class], @selector(isKindOfClass:),
                                     functionOf<BOOL(id, SEL, Class)>(code.function()));
     DispatchScene scene;
@@ -145,7 +149,7 @@ TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsIsKindOfClass) {
 }
 
 TEST_F(MethodOfNoLibrary, IsNotTakenForNSObjectsClass) {
-    const GeneratedCode code([NSObject instanceMethodForSelector:@selector(class)]);
+    const GeneratedCode code(methodOfNSObject(@selector(class)));
     const MethodSubstitute replaced([NSObject class], @selector(class),
                                     functionOf<Class(id, SEL)>(code.function()));
     DispatchScene scene;

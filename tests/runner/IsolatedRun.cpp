@@ -185,7 +185,7 @@ void IsolatedRun::addOptionsTo(CLI::App &app) {
 
 int runTests(const IsolatedRun &run, const std::string &label) {
     // A death test may start the program again, with these options, to run itself alone.
-    if (!run.wanted || testing::internal::InDeathTestChild())
+    if (!run.wanted || !GTEST_FLAG_GET(internal_run_death_test).empty())
         return RUN_ALL_TESTS();
 
     const Names tests = testsOf(run);
