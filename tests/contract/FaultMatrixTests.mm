@@ -129,16 +129,19 @@ TEST_P(FaultMatrix, HarmsNoLaterRun) {
 // leaves the operation, or in the host.
 TEST_P(FaultMatrix, DropsNoFailureToRelease) {
     const auto outcome = [&](std::string_view service, int failing) -> std::string {
+        // These live longer than the operation: the host still releases when it shuts down.
+        int calls = 0;
         bool failed = false;
+        bool over = false;
+        scene.host.services().fail(service, [&] {
+            if (++calls != failing || over)
+                return;
+            failed = true;
+            throwOf(Fault::outOfRange);
+        });
         const Act failingOnce{[&] {
-            int calls = 0;
-            scene.host.services().fail(service, [&, failing] {
-                failed = failed || ++calls == failing;
-                if (calls == failing)
-                    throwOf(Fault::outOfRange);
-            });
             std::string value = act.run();
-            scene.host.services().restore(service);
+            over = true;
             return value;
         }};
         const Aftermath after = scene.run(failingOnce, {}, Fault::none);

@@ -55,14 +55,12 @@ struct ShortWay : testing::Test {
 } // namespace
 
 TEST_F(ShortWay, ToAValueAsksForNoClass) {
-    expectLookUps(@"text", {});
-    expectLookUps([NSMutableString stringWithString : @"text"], {});
-    expectLookUps([NSNumber numberWithInt : 1], {});
-    expectLookUps([NSDate date], {});
-    expectLookUps([NSData data], {});
-    expectLookUps([NSURL URLWithString : @"http://a/"], {});
-    expectLookUps([NSArray array], {});
-    expectLookUps([NSMutableDictionary dictionary], {});
+    NSURL *const url = [NSURL URLWithString:@"http://a/"];
+    for (id value in @[
+             @"text", [NSMutableString string], @1, [NSDate date], [NSData data], url, @[],
+             [NSMutableDictionary dictionary]
+         ])
+        expectLookUps(value, {});
 }
 
 TEST_F(ShortWay, PastAllRowsAsksForNoClass) {
