@@ -184,7 +184,8 @@ Value fromSlot(Host &host, const Slot &slot, const Type &type) {
 
 /// Whether the callee answered with what the host had left in a register: it sets another one, or
 /// gives back an argument that its declaration does not have. Booleans and 32-bit integers are not
-/// asked: theirs may be so by chance.
+/// asked: theirs may be so by chance. What a sanitizer adds to the callee may write any register
+/// that is free: such a callee can go unnoticed, but none is accused wrongly.
 bool isRegisterFiller(const Slot &answer, const Type &type) {
     switch (type.kind) {
     case TypeKind::integer:

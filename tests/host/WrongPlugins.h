@@ -1,12 +1,16 @@
 #pragma once
 
-// The plug-ins of images/wrong, as the build left them: one for each fault, for both systems.
+// The plug-ins of images/wrong, as the build left them, for both systems.
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 inline constexpr const char *wrongPluginSystems[] = {"macos", "linux"};
 
+/// The image that has the fault once it is loaded, by this process or one that it starts.
 inline std::filesystem::path wrongPlugin(const std::string &system, const std::string &fault) {
-    return std::filesystem::path(WRONG_PLUGINS) / system / fault;
+    setenv("WRONG_PLUGIN_FAULT", fault.c_str(), 1);
+    return std::filesystem::path(WRONG_PLUGINS) / system /
+           (fault == "noEntryPoint" ? "noEntryPoint" : "plugin");
 }

@@ -2,7 +2,7 @@
 
 #include "Plugin.h"
 
-namespace faults {
+namespace {
 
 void resultOfOtherClass(Plugin &plugin) {
     plugin.setMethod("act as Date", [](ObjectHandle) { return newInstance("MemoryBlock"); });
@@ -66,4 +66,25 @@ void getterForADouble(Plugin &plugin) {
     plugin.properties[0].type = "Double";
 }
 
-} // namespace faults
+constexpr Fault faults[] = {
+    {"resultOfOtherClass", resultOfOtherClass},
+    {"numberForAString", numberForAString},
+    {"numberForAnObject", numberForAnObject},
+    {"stringForAnObjectResult", stringForAnObjectResult},
+    {"objectForAnArray", objectForAnArray},
+    {"resultWithoutReference", resultWithoutReference},
+    {"resultReleased", resultReleased},
+    {"undeclaredResult", undeclaredResult},
+    {"undeclaredParameter", undeclaredParameter},
+    {"undeclaredParameterReturned", undeclaredParameterReturned},
+    {"integerForADouble", integerForADouble},
+    {"integerForASingle", integerForASingle},
+    {"doubleForAnIntegerParameter", doubleForAnIntegerParameter},
+    {"getterForADouble", getterForADouble},
+};
+
+} // namespace
+
+std::span<const Fault> declarationFaults() {
+    return faults;
+}

@@ -11,10 +11,6 @@ public:
     [[nodiscard]] const char *what() const noexcept override { return "not caught at home"; }
 };
 
-} // namespace
-
-namespace faults {
-
 void thrownByEntryPoint(Plugin &) {
     throw Thrown();
 }
@@ -38,4 +34,14 @@ void thrownByDestructor(Plugin &plugin) {
     plugin.type.destructor = [](ObjectHandle) { throw Thrown(); };
 }
 
-} // namespace faults
+constexpr Fault faults[] = {
+    {"thrownByEntryPoint", thrownByEntryPoint}, {"thrownByConstructor", thrownByConstructor},
+    {"thrownByMethod", thrownByMethod},         {"thrownAfterOverRelease", thrownAfterOverRelease},
+    {"thrownByDestructor", thrownByDestructor},
+};
+
+} // namespace
+
+std::span<const Fault> exceptionFaults() {
+    return faults;
+}

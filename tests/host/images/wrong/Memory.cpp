@@ -2,7 +2,7 @@
 
 #include "Plugin.h"
 
-namespace faults {
+namespace {
 
 void writtenBehindData(Plugin &plugin) {
     plugin.setMethod("act", [](ObjectHandle self) { dataOf(self)[16] = 0; });
@@ -27,4 +27,15 @@ void writtenAfterDestruction(Plugin &plugin) {
     });
 }
 
-} // namespace faults
+constexpr Fault faults[] = {
+    {"writtenBehindData", writtenBehindData},
+    {"writtenBeforeData", writtenBeforeData},
+    {"writtenOverHeader", writtenOverHeader},
+    {"writtenAfterDestruction", writtenAfterDestruction},
+};
+
+} // namespace
+
+std::span<const Fault> memoryFaults() {
+    return faults;
+}

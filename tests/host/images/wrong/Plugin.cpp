@@ -1,13 +1,9 @@
 #include "Plugin.h"
 
+#include <cstdlib>
 #include <iterator>
 
 host::Resolver resolver = nullptr;
-
-namespace faults {
-/// The one that this image is made with.
-void FAULT(Plugin &plugin);
-} // namespace faults
 
 namespace {
 
@@ -54,12 +50,22 @@ void describe() {
     plugin.type.constantCount = std::size(plugin.constants);
 }
 
+void spoil() {
+    const char *const wanted = std::getenv("WRONG_PLUGIN_FAULT");
+    for (const auto faults : {declarationFaults(), exceptionFaults(), memoryFaults(),
+                              recordFaults(), referenceFaults()})
+        for (const Fault &fault : faults)
+            if (wanted != nullptr && std::strcmp(fault.name, wanted) == 0)
+                return fault.apply(plugin);
+    std::abort(); // a test that names no fault shows nothing
+}
+
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(host::Resolver its) {
     resolver = its;
     service<void(std::int32_t)>("RegisterPluginVersion")(interfaceVersion);
     describe();
-    faults::FAULT(plugin);
+    spoil();
     service<void(host::PluginClassRecord *)>("PluginRegisterClass")(&plugin.type);
 }

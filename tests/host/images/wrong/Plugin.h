@@ -1,12 +1,13 @@
 #pragma once
 
-// A small complete plug-in with one class, WrongZKT, that is right in everything. Each image made
-// of it spoils one thing, by a function of the namespace faults.
+// A small complete plug-in with one class, WrongZKT, that is right in everything but the one fault
+// that the environment names.
 
 #include "host/PluginRecords.h"
 
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 using host::ObjectHandle;
 using host::StringHandle;
@@ -58,3 +59,15 @@ Signature *service(const char *name) {
 inline char *dataOf(ObjectHandle object) {
     return reinterpret_cast<char *>(object) + host::objectHeaderSize;
 }
+
+/// Spoils one thing of the plug-in before it is registered.
+struct Fault {
+    const char *name;
+    void (*apply)(Plugin &plugin);
+};
+
+std::span<const Fault> declarationFaults();
+std::span<const Fault> exceptionFaults();
+std::span<const Fault> memoryFaults();
+std::span<const Fault> recordFaults();
+std::span<const Fault> referenceFaults();

@@ -2,10 +2,7 @@
 
 #include "Plugin.h"
 
-namespace faults {
-
-/// Its image is compiled with another name for the entry point.
-void noEntryPoint(Plugin &) {}
+namespace {
 
 void unreadableDeclaration(Plugin &plugin) {
     plugin.methods[0].declaration = "act(text as";
@@ -83,4 +80,28 @@ void unreadableLookup(Plugin &plugin) {
     });
 }
 
-} // namespace faults
+constexpr Fault faults[] = {
+    {"unreadableDeclaration", unreadableDeclaration},
+    {"unknownType", unknownType},
+    {"methodWithoutFunction", methodWithoutFunction},
+    {"unknownClassFlags", unknownClassFlags},
+    {"unknownPropertyFlags", unknownPropertyFlags},
+    {"unknownMethodFlags", unknownMethodFlags},
+    {"oddDataSize", oddDataSize},
+    {"fieldPastData", fieldPastData},
+    {"tableWithoutCount", tableWithoutCount},
+    {"otherVersion", otherVersion},
+    {"versionOfNoHost", versionOfNoHost},
+    {"registeredTwice", registeredTwice},
+    {"nameOfAHostClass", nameOfAHostClass},
+    {"namelessService", namelessService},
+    {"negativeLength", negativeLength},
+    {"unknownEncoding", unknownEncoding},
+    {"unreadableLookup", unreadableLookup},
+};
+
+} // namespace
+
+std::span<const Fault> recordFaults() {
+    return faults;
+}

@@ -2,7 +2,7 @@
 
 #include "Plugin.h"
 
-namespace faults {
+namespace {
 
 /// The control: what the other plug-ins do, done right.
 void none(Plugin &plugin) {
@@ -106,4 +106,27 @@ void dateRaised(Plugin &plugin) {
     });
 }
 
-} // namespace faults
+constexpr Fault faults[] = {
+    {"none", none},
+    {"leakedObject", leakedObject},
+    {"leakedString", leakedString},
+    {"resultLockedTwice", resultLockedTwice},
+    {"lentObjectReleased", lentObjectReleased},
+    {"lentStringReleased", lentStringReleased},
+    {"objectReleasedTwice", objectReleasedTwice},
+    {"stringReleasedTwice", stringReleasedTwice},
+    {"objectUsedAfterRelease", objectUsedAfterRelease},
+    {"stringUsedAfterRelease", stringUsedAfterRelease},
+    {"stringForAnObject", stringForAnObject},
+    {"dataForAnObject", dataForAnObject},
+    {"nilReleased", nilReleased},
+    {"keptInDestructor", keptInDestructor},
+    {"releasedInConstructor", releasedInConstructor},
+    {"dateRaised", dateRaised},
+};
+
+} // namespace
+
+std::span<const Fault> referenceFaults() {
+    return faults;
+}
