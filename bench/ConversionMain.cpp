@@ -2,7 +2,7 @@
 #include "LightHost.h"
 #include "Program.h"
 
-#include "host/Image.h"
+#include "host/image/Image.h"
 
 #include <cstdio>
 

@@ -2,7 +2,7 @@
 
 #include "RatioReporter.h"
 
-#include "host/Image.h"
+#include "host/image/Image.h"
 
 #include <cstddef>
 #include <vector>

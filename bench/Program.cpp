@@ -1,7 +1,7 @@
 #include "Program.h"
 
-#include "host/Cocoa.h"
-#include "host/Image.h"
+#include "host/core/Cocoa.h"
+#include "host/image/Image.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "host/Host.h"
 
-#include "host/Builtins.h"
-#include "host/Cocoa.h"
-#include "host/Encodings.h"
-#include "host/Instances.h"
-#include "host/Invoker.h"
-#include "host/Siblings.h"
+#include "host/classes/Builtins.h"
+#include "host/classes/Instances.h"
+#include "host/classes/Invoker.h"
+#include "host/core/Cocoa.h"
+#include "host/family/Siblings.h"
+#include "host/language/Encodings.h"
 
 #include <algorithm>
 #include <cstdio>

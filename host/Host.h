@@ -14,11 +14,11 @@
 // One host at a time per process, because the resolver that plug-ins get is a plain C function.
 // All of it belongs to one thread, like the plug-in interface itself.
 
-#include "host/Image.h"
-#include "host/PluginRecords.h"
-#include "host/Services.h"
-#include "host/Trace.h"
-#include "host/Value.h"
+#include "host/core/PluginRecords.h"
+#include "host/core/Trace.h"
+#include "host/image/Image.h"
+#include "host/language/Value.h"
+#include "host/services/Services.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -139,7 +139,7 @@ public:
     /// Changes what REALGetRBVersion answers; nullopt hides the service.
     void setVersion(std::optional<double> version);
 
-    // What the host saw. Line formats: host/Trace.h.
+    // What the host saw. Line formats: host/core/Trace.h.
 
     [[nodiscard]] std::vector<std::string> trace() const;   ///< everything, in order
     [[nodiscard]] std::vector<std::string> calls() const;   ///< services and host methods called

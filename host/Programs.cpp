@@ -1,10 +1,10 @@
 // The part of Host that acts as a program of the host's language.
 
-#include "host/Builtins.h"
-#include "host/Cocoa.h"
 #include "host/Host.h"
-#include "host/Instances.h"
-#include "host/Invoker.h"
+#include "host/classes/Builtins.h"
+#include "host/classes/Instances.h"
+#include "host/classes/Invoker.h"
+#include "host/core/Cocoa.h"
 
 namespace host {
 

@@ -1,10 +1,10 @@
 // The part of Host that lets tests look behind handles and records.
 
-#include "host/ClassTable.h"
-#include "host/Encodings.h"
-#include "host/Heap.h"
 #include "host/Host.h"
-#include "host/Names.h"
+#include "host/classes/ClassTable.h"
+#include "host/language/Encodings.h"
+#include "host/language/Names.h"
+#include "host/memory/Heap.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 
 #include "FuzzedPlugin.h"
 
-#include "host/Cocoa.h"
-#include "host/Siblings.h"
+#include "host/core/Cocoa.h"
+#include "host/family/Siblings.h"
 #include "macos/standin/StandIn.h"
 
 #import <Foundation/Foundation.h>

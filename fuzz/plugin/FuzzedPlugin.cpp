@@ -1,6 +1,6 @@
 #include "FuzzedPlugin.h"
 
-#include "host/Cocoa.h"
+#include "host/core/Cocoa.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -3,8 +3,8 @@
 
 #include "FuzzedPlugin.h"
 
-#include "host/Cocoa.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
+#include "host/core/Cocoa.h"
 
 #import <Foundation/Foundation.h>
 

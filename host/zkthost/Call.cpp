@@ -1,8 +1,8 @@
 #include "host/zkthost/Call.h"
 
-#include "host/ClassTable.h"
-#include "host/Inspect.h"
-#include "host/Names.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Inspect.h"
+#include "host/language/Names.h"
 #include "host/zkthost/Expression.h"
 #include "host/zkthost/Options.h"
 

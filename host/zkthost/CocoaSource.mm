@@ -1,6 +1,6 @@
 #include "host/zkthost/CocoaSource.h"
 
-#include "host/Cocoa.h"
+#include "host/core/Cocoa.h"
 #include "host/zkthost/ForeignExceptions.h"
 #include "host/zkthost/Options.h"
 

@@ -1,6 +1,6 @@
 #include "host/zkthost/Convert.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 #include "host/zkthost/Call.h"
 #include "host/zkthost/Report.h"
 #include "host/zkthost/ValueTree.h"

@@ -1,7 +1,7 @@
 #include "host/zkthost/Expression.h"
 
-#include "host/Declaration.h"
-#include "host/Names.h"
+#include "host/language/Declaration.h"
+#include "host/language/Names.h"
 #include "host/zkthost/Options.h"
 
 #include <cctype>

@@ -11,7 +11,7 @@
 //
 // Names in any case. Values: 12, -1, &hFF, 1.5, "text" ("" inside stands for "), true, false, nil.
 
-#include "host/Value.h"
+#include "host/language/Value.h"
 
 #include <memory>
 #include <optional>

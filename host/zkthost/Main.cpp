@@ -4,9 +4,9 @@
 // 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception.
 // A plug-in that misbehaved gives 1 whatever follows from it; its violations stand first.
 
-#include "host/Cocoa.h"
-#include "host/Description.h"
 #include "host/Host.h"
+#include "host/classes/Description.h"
+#include "host/core/Cocoa.h"
 #include "host/zkthost/Call.h"
 #include "host/zkthost/CocoaSource.h"
 #include "host/zkthost/Convert.h"

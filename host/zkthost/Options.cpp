@@ -1,6 +1,6 @@
 #include "host/zkthost/Options.h"
 
-#include "host/Services.h"
+#include "host/services/Services.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,8 +2,8 @@
 
 // The command line of zkthost.
 
-#include "host/Description.h"
 #include "host/Host.h"
+#include "host/classes/Description.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "host/zkthost/Report.h"
 
-#include "host/ClassTable.h"
-#include "host/Inspect.h"
-#include "host/Names.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Inspect.h"
+#include "host/language/Names.h"
 
 #include <llvm/Support/JSON.h>
 #include <llvm/Support/raw_ostream.h>

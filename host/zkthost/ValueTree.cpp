@@ -1,8 +1,8 @@
 #include "host/zkthost/ValueTree.h"
 
 #include "host/Host.h"
-#include "host/Inspect.h"
-#include "host/Trace.h"
+#include "host/classes/Inspect.h"
+#include "host/core/Trace.h"
 
 #include <llvm/Support/raw_ostream.h>
 

@@ -2,7 +2,7 @@
 
 // A host value with everything in it.
 
-#include "host/Value.h"
+#include "host/language/Value.h"
 
 #include <llvm/Support/JSON.h>
 

@@ -3,8 +3,8 @@
 #import "ActivityScene.h"
 
 #include "Caught.h"
-#include "host/Heap.h"
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
+#include "host/memory/Heap.h"
 
 #include <gmock/gmock.h>
 

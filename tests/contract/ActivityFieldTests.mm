@@ -3,7 +3,7 @@
 
 #import "ActivityScene.h"
 
-#include "host/ClassTable.h"
+#include "host/classes/ClassTable.h"
 #include "macos/standin/StandIn.h"
 
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #import "ArgumentScene.h"
 
 #include "Caught.h"
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -3,7 +3,7 @@
 #include "LoadedPlugin.h"
 #import "TracedList.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <utility>
 

@@ -2,7 +2,7 @@
 
 #import "ArgumentScene.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #import "ActingObject.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #import <Foundation/Foundation.h>
 

@@ -2,7 +2,7 @@
 
 #import "DateScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <string>
 

@@ -6,7 +6,7 @@
 #import "OwnObject.h"
 #include "TraceLines.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

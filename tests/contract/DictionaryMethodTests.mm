@@ -5,7 +5,7 @@
 
 #include "Caught.h"
 
-#include "host/Heap.h"
+#include "host/memory/Heap.h"
 
 #include <gmock/gmock.h>
 

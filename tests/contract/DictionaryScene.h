@@ -3,7 +3,7 @@
 #import "CollectionDoubles.h"
 #import "ValueScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <string>
 #include <vector>

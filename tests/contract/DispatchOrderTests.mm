@@ -7,7 +7,7 @@
 #import "MethodFunctions.h"
 #import "ShapedObject.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <CoreText/CoreText.h>
 #include <gmock/gmock.h>

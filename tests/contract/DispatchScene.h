@@ -3,7 +3,7 @@
 #include "LoadedPlugin.h"
 #include "WrapperClasses.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #import <Foundation/Foundation.h>
 

@@ -6,7 +6,7 @@
 #import "MethodFunctions.h"
 #import "OwnObject.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

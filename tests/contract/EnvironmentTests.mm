@@ -7,8 +7,8 @@
 #import "ProcessInfoDouble.h"
 #include "Properties.h"
 
-#include "host/Cocoa.h"
-#include "host/Siblings.h"
+#include "host/core/Cocoa.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -7,7 +7,7 @@
 #include "LoadedPlugin.h"
 #import "ScriptedProcessInfo.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #import "FaultMatrixScene.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -2,10 +2,10 @@
 
 #include "ActingObject.h"
 #include "ActivityScene.h"
-#include "host/Cocoa.h"
-#include "host/Heap.h"
-#include "host/Inspect.h"
-#include "host/Payload.h"
+#include "host/classes/Inspect.h"
+#include "host/classes/Payload.h"
+#include "host/core/Cocoa.h"
+#include "host/memory/Heap.h"
 
 #include <cstdio>
 #include <cstring>

@@ -2,7 +2,7 @@
 
 #import "FaultMatrixScene.h"
 
-#include "host/Services.h"
+#include "host/services/Services.h"
 
 #include <gmock/gmock.h>
 

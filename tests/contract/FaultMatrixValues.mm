@@ -3,7 +3,7 @@
 #import "FaultMatrixObjects.h"
 #import "FaultMatrixScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <filesystem>
 

@@ -4,8 +4,8 @@
 #import "FaultMatrixScene.h"
 #import "MethodFunctions.h"
 
-#include "host/Inspect.h"
-#include "host/Siblings.h"
+#include "host/classes/Inspect.h"
+#include "host/family/Siblings.h"
 
 #include <objc/runtime.h>
 

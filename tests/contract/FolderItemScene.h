@@ -2,7 +2,7 @@
 
 #include "FileSpy.h"
 #include "LoadedPlugin.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #import <Foundation/Foundation.h>
 

@@ -2,7 +2,7 @@
 
 #include "ActingObject.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

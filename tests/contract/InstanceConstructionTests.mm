@@ -5,7 +5,7 @@
 #import "OwnObject.h"
 #import "ScriptedProcessInfo.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

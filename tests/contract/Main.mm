@@ -2,7 +2,7 @@
 #include "IsolatedRun.h"
 #include "RowMessages.h"
 
-#include "host/Cocoa.h"
+#include "host/core/Cocoa.h"
 
 #include <gmock/gmock.h>
 

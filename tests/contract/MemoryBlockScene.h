@@ -3,7 +3,7 @@
 #import "DataDouble.h"
 #include "LoadedPlugin.h"
 #include "OwnObject.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <array>
 #include <string>

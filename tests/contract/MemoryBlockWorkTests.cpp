@@ -1,7 +1,7 @@
 // A memory block by the host class's own constructor, the part that runs under the host's guard.
 
 #include "LoadedPlugin.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

@@ -5,7 +5,7 @@
 #import "TracedNumber.h"
 #import "ValueScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>

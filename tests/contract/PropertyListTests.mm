@@ -2,7 +2,7 @@
 
 #import "ValueScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>

@@ -6,7 +6,7 @@
 #import "OwnObject.h"
 #include "Properties.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "RandomText.h"
 
-#include "host/Value.h"
+#include "host/language/Value.h"
 
 #include <algorithm>
 #include <stdexcept>

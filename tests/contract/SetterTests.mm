@@ -4,7 +4,7 @@
 
 #include "Caught.h"
 #include "LoadedPlugin.h"
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #import "TracedValue.h"
 #import "ValueScene.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 

@@ -3,7 +3,7 @@
 #import "OwnObject.h"
 #import "ValueScene.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

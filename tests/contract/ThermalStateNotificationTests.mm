@@ -6,7 +6,7 @@
 #include "CoreFoundationSpy.h"
 #include "LoadedPlugin.h"
 
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 #include "standin/StandIn.h"
 
 #include <gmock/gmock.h>

@@ -6,7 +6,7 @@
 #import "MethodSubstitute.h"
 #import "RootObject.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

@@ -8,7 +8,7 @@
 #import "OwnObject.h"
 #import "RootObject.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <gmock/gmock.h>
 

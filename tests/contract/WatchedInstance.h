@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PluginRecords.h"
+#include "host/core/PluginRecords.h"
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #include "WrapperClasses.h"
 
-#include "host/ClassTable.h"
-#include "host/Siblings.h"
+#include "host/classes/ClassTable.h"
+#include "host/family/Siblings.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>

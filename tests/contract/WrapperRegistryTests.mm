@@ -5,7 +5,7 @@
 #include "DispatchScene.h"
 #import "ShapedObject.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <CoreText/CoreText.h>
 #include <gmock/gmock.h>

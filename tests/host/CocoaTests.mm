@@ -1,6 +1,6 @@
 // Foundation's objects across the border between programs and plug-in.
 
-#include "host/Cocoa.h"
+#include "host/core/Cocoa.h"
 #include "tests/host/FakePlugin.h"
 
 #import <Foundation/Foundation.h>

@@ -1,4 +1,4 @@
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 #include "tests/host/FakePlugin.h"
 
 namespace {

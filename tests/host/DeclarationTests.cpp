@@ -1,4 +1,4 @@
-#include "host/Declaration.h"
+#include "host/language/Declaration.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

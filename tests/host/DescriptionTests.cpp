@@ -1,4 +1,4 @@
-#include "host/Description.h"
+#include "host/classes/Description.h"
 
 #include "tests/host/FakePlugin.h"
 

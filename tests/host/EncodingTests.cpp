@@ -1,4 +1,4 @@
-#include "host/Encodings.h"
+#include "host/language/Encodings.h"
 
 #include <gtest/gtest.h>
 

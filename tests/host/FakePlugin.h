@@ -5,7 +5,7 @@
 
 #include "host/GoogleTest.h"
 #include "host/Host.h"
-#include "host/PluginRecords.h"
+#include "host/core/PluginRecords.h"
 
 #include <gmock/gmock.h>
 

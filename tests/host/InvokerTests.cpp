@@ -1,5 +1,5 @@
-#include "host/Heap.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
+#include "host/memory/Heap.h"
 #include "tests/host/FakePlugin.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "tests/host/FakePlugin.h"
 
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 namespace {
 

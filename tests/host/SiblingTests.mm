@@ -1,4 +1,4 @@
-#include "host/Siblings.h"
+#include "host/family/Siblings.h"
 
 #include "tests/host/FakePlugin.h"
 

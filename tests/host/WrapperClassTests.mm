@@ -1,7 +1,7 @@
 // The family's wrapper classes that the host stands in for, and containers read as they are.
 
-#include "host/Inspect.h"
-#include "host/Siblings.h"
+#include "host/classes/Inspect.h"
+#include "host/family/Siblings.h"
 
 #include "tests/host/FakePlugin.h"
 

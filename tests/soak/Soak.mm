@@ -2,8 +2,8 @@
 
 #include "Plot.h"
 
-#include "host/Cocoa.h"
 #include "host/Host.h"
+#include "host/core/Cocoa.h"
 #include "macos/standin/StandIn.h"
 
 #import <Foundation/Foundation.h>

@@ -3,7 +3,7 @@
 #include "Json.h"
 #include "Zkthost.h"
 
-#include "host/Services.h"
+#include "host/services/Services.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 
 #include "host/GoogleTest.h"
 #include "host/Host.h"
-#include "host/Inspect.h"
+#include "host/classes/Inspect.h"
 
 #include <llvm/Support/raw_ostream.h>
 

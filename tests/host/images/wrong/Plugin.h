@@ -3,7 +3,7 @@
 // A small complete plug-in with one class, WrongZKT, that is right in everything but the one fault
 // that the environment names.
 
-#include "host/PluginRecords.h"
+#include "host/core/PluginRecords.h"
 
 #include <cstdint>
 #include <cstring>

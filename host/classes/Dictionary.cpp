@@ -1,0 +1,107 @@
+#include "host/Host.h"
+#include "host/classes/Builtins.h"
+#include "host/classes/CallLine.h"
+
+#include <cmath>
+
+namespace host {
+
+namespace {
+
+/// Equal for keys that a program takes for equal: texts by their characters whatever the
+/// encoding, numbers by their value whatever the type, objects by identity.
+std::string identityOf(const Value &key) {
+    struct Identity {
+        std::string operator()(std::monostate) const { return "nil"; }
+        std::string operator()(std::int64_t number) const { return 'n' + std::to_string(number); }
+        std::string operator()(std::uint64_t number) const { return 'n' + std::to_string(number); }
+        std::string operator()(double number) const {
+            const bool isInteger = std::trunc(number) == number && std::abs(number) < 0x1p53;
+            return 'n' + (isInteger ? std::to_string(static_cast<std::int64_t>(number))
+                                    : shortest(number));
+        }
+        std::string operator()(bool truth) const { return truth ? "true" : "false"; }
+        std::string operator()(const StringRef &string) const {
+            return '"' + Host::current().text(string.handle());
+        }
+        std::string operator()(const ObjectRef &object) const {
+            return Host::current().name(object.handle());
+        }
+    };
+    return std::visit(Identity{}, static_cast<const ValueAlternatives &>(key));
+}
+
+bool isUsable(Host &host, ObjectHandle handle) {
+    return handle == nullptr || host.heap().check(handle) != nullptr;
+}
+
+/// A reference for the plug-in to a stored value.
+ObjectHandle handOut(const Value &stored) {
+    return stored.object().release();
+}
+
+void setValue(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHandle value) {
+    auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    if (data == nullptr || !isUsable(host, key) || !isUsable(host, value))
+        return;
+    const auto [place, added] =
+        data->places.try_emplace(identityOf(unboxed(key)), data->entries.size());
+    if (added)
+        data->entries.emplace_back(ObjectRef::share(key), ObjectRef::share(value));
+    else
+        data->entries[place->second].second = Value(ObjectRef::share(value));
+}
+
+ObjectHandle value(Host &host, ObjectHandle handle, ObjectHandle key) {
+    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    if (data == nullptr || !isUsable(host, key))
+        return nullptr;
+    const Value wanted = unboxed(key);
+    const auto place = data->places.find(identityOf(wanted));
+    if (place != data->places.end())
+        return handOut(data->entries[place->second].second);
+    raiseNew(host, "KeyNotFoundException", "no key " + describe(wanted));
+    return nullptr;
+}
+
+ObjectHandle keyAt(Host &host, ObjectHandle handle, std::int64_t index) {
+    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    if (data == nullptr)
+        return nullptr;
+    if (index >= 0 && static_cast<std::uint64_t>(index) < data->entries.size())
+        return handOut(data->entries[static_cast<std::size_t>(index)].first);
+    raiseNew(host, "OutOfBoundsException", "no key at " + std::to_string(index));
+    return nullptr;
+}
+
+Value count(const Object &object) {
+    return static_cast<std::int64_t>(std::get<DictionaryData>(object.payload).entries.size());
+}
+
+} // namespace
+
+void addDictionary(ClassTable &classes) {
+    HostClass type{.name = "Dictionary", .makePayload = [] { return Payload(DictionaryData{}); }};
+    type.methods = {
+        nativeMethod("Value(key As Variant, Assigns value As Variant)",
+                     hostMethod<"Dictionary.Value", setValue>()),
+        nativeMethod("Value(key As Variant) As Variant", hostMethod<"Dictionary.Value", value>()),
+        nativeMethod("Key(index As Integer) As Variant", hostMethod<"Dictionary.Key", keyAt>()),
+    };
+    type.properties = {Property{.name = "Count", .type = parseType("Integer"), .read = count}};
+    classes.add(std::move(type));
+}
+
+std::vector<std::pair<Value, Value>> dictionaryObjects(ObjectHandle dictionary) {
+    return inspected<DictionaryData>(Host::current().heap(), dictionary, "Dictionary").entries;
+}
+
+std::vector<std::pair<Value, Value>> dictionaryEntries(ObjectHandle dictionary) {
+    std::vector<std::pair<Value, Value>> result;
+    for (const auto &[key, stored] :
+         inspected<DictionaryData>(Host::current().heap(), dictionary, "Dictionary").entries)
+        result.emplace_back(unboxed(key.object()), unboxed(stored.object()));
+    return result;
+}
+
+} // namespace host

@@ -1,0 +1,64 @@
+#include "host/classes/Instances.h"
+
+#include "host/Host.h"
+#include "host/language/Names.h"
+
+namespace host {
+
+namespace {
+
+void runConstructors(const HostClass *type, ObjectHandle handle) {
+    if (type == nullptr)
+        return;
+    runConstructors(type->superclass, handle);
+    if (type->constructor != nullptr)
+        type->constructor(handle);
+}
+
+/// An object whose constructor was left by an exception never becomes one.
+class Unfinished {
+public:
+    Unfinished(Heap &heap, ObjectHandle handle) : heap_(heap), handle_(handle) {}
+    Unfinished(const Unfinished &) = delete;
+    Unfinished &operator=(const Unfinished &) = delete;
+    ~Unfinished() {
+        if (handle_ != nullptr)
+            heap_.unlock(handle_);
+    }
+    void finish() { handle_ = nullptr; }
+
+private:
+    Heap &heap_;
+    ObjectHandle handle_;
+};
+
+} // namespace
+
+Object *instantiate(Host &host, const HostClass &type) {
+    Object &object = host.heap().makeObject(type);
+    const ObjectHandle handle = object.handle();
+    Unfinished unfinished(host.heap(), handle);
+    runConstructors(&type, handle);
+    unfinished.finish();
+    // Looked up again: the constructor may have released the object.
+    Object *const made = host.heap().find(handle);
+    if (made == nullptr || made->life != Life::alive) {
+        host.heap().violation("the constructor of " + type.name + " released its own object");
+        return nullptr;
+    }
+    made->finished = true;
+    return made;
+}
+
+void runDestructors(Object &object) {
+    const ObjectHandle handle = object.handle();
+    for (const HostClass *type = object.type; type != nullptr; type = type->superclass) {
+        for (const Method &method : type->methods)
+            if (sameName(method.parsed.name, "Destructor") && method.parsed.parameters.empty())
+                reinterpret_cast<void (*)(ObjectHandle)>(method.function)(handle);
+        if (type->destructor != nullptr)
+            type->destructor(handle);
+    }
+}
+
+} // namespace host

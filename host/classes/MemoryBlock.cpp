@@ -1,0 +1,96 @@
+#include "host/Host.h"
+#include "host/classes/Builtins.h"
+#include "host/classes/CallLine.h"
+#include "host/classes/Instances.h"
+#include "host/services/ServiceBodies.h"
+
+#include <cstdlib>
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view className = "MemoryBlock";
+
+/// Zero-filled; false when there is no such memory.
+bool allocate(Host &host, MemoryData &data, std::uint64_t size) {
+    if (size > host.options().memoryBlockLimit)
+        return false;
+    // calloc leaves large blocks to the kernel, which gives pages when they are touched.
+    data.bytes.reset(static_cast<std::byte *>(std::calloc(size == 0 ? 1 : size, 1)));
+    data.size = data.bytes == nullptr ? 0 : size;
+    return data.bytes != nullptr;
+}
+
+void construct(Host &host, ObjectHandle handle, std::int64_t size) {
+    auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+    if (data == nullptr)
+        return;
+    if (size < 0)
+        raiseNew(host, "OutOfBoundsException",
+                 "a memory block of " + std::to_string(size) + " bytes");
+    else if (!allocate(host, *data, static_cast<std::uint64_t>(size)))
+        raiseNew(host, "OutOfMemoryException",
+                 "no memory for a block of " + std::to_string(size) + " bytes");
+}
+
+void *convertToPointer(Host &host, ObjectHandle handle) {
+    return services::pointerOfMemoryBlock(host, handle);
+}
+
+Value size(const Object &object) {
+    return static_cast<std::int64_t>(std::get<MemoryData>(object.payload).size);
+}
+
+} // namespace
+
+namespace services {
+
+ObjectHandle newMemoryBlock(Host &host, std::int32_t size) {
+    if (size < 0) {
+        host.heap().violation("got the size " + std::to_string(size));
+        return nullptr;
+    }
+    MemoryData data;
+    if (!allocate(host, data, static_cast<std::uint64_t>(size)))
+        return nullptr;
+    Object *block = instantiate(host, *host.classes().findAny(className));
+    block->payload = std::move(data);
+    return block->handle();
+}
+
+void *pointerOfMemoryBlock(Host &host, ObjectHandle handle) {
+    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+    return data == nullptr ? nullptr : data->bytes.get();
+}
+
+std::int64_t sizeOfMemoryBlock(Host &host, ObjectHandle handle) {
+    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+    return data == nullptr ? 0 : static_cast<std::int64_t>(data->size);
+}
+
+} // namespace services
+
+void addMemoryBlock(ClassTable &classes) {
+    HostClass type{.name = std::string(className),
+                   .makePayload = [] { return Payload(MemoryData{}); }};
+    type.methods = {
+        nativeMethod("Constructor(bytes As Integer)",
+                     hostMethod<"MemoryBlock.Constructor", construct>()),
+        nativeMethod("Operator_Convert() As Ptr",
+                     hostMethod<"MemoryBlock.Operator_Convert", convertToPointer>()),
+    };
+    type.properties = {Property{.name = "Size", .type = parseType("Integer"), .read = size}};
+    classes.add(std::move(type));
+}
+
+std::string memoryBlockBytes(ObjectHandle block) {
+    const auto &data = inspected<MemoryData>(Host::current().heap(), block, className);
+    return {reinterpret_cast<const char *>(data.bytes.get()), data.size};
+}
+
+std::uint64_t memoryBlockSize(ObjectHandle block) {
+    return inspected<MemoryData>(Host::current().heap(), block, className).size;
+}
+
+} // namespace host

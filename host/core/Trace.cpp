@@ -1,0 +1,79 @@
+#include "host/core/Trace.h"
+
+#include <array>
+#include <charconv>
+
+namespace host {
+
+void Trace::lookup(std::string_view name, bool found) {
+    if (on_)
+        entries_.push_back({false, (found ? "find " : "miss ") + std::string(name)});
+}
+
+std::size_t Trace::begin(std::string line) {
+    entries_.push_back({true, std::move(line)});
+    return firstPlace_ + entries_.size() - 1;
+}
+
+void Trace::addResult(std::size_t place, std::string_view text) {
+    if (place >= firstPlace_ && place - firstPlace_ < entries_.size())
+        entries_[place - firstPlace_].text += text;
+}
+
+std::vector<std::string> Trace::all() const {
+    std::vector<std::string> result;
+    result.reserve(entries_.size());
+    for (const Entry &entry : entries_)
+        result.push_back(entry.text);
+    return result;
+}
+
+std::vector<std::string> Trace::select(bool calls) const {
+    std::vector<std::string> result;
+    for (const Entry &entry : entries_)
+        if (entry.isCall == calls)
+            result.push_back(entry.text);
+    return result;
+}
+
+std::vector<std::string> Trace::calls() const {
+    return select(true);
+}
+
+std::vector<std::string> Trace::lookups() const {
+    return select(false);
+}
+
+void Trace::clear() {
+    firstPlace_ += entries_.size();
+    entries_.clear();
+}
+
+std::string inQuotes(std::string_view bytes) {
+    constexpr std::size_t limit = 64;
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string result = "\"";
+    for (const char c : bytes.substr(0, limit)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            result += '\\';
+            result += c;
+        } else if (byte < 0x20 || byte > 0x7E) {
+            result += "\\x";
+            result += digits[byte >> 4];
+            result += digits[byte & 15];
+        } else {
+            result += c;
+        }
+    }
+    result += '"';
+    return bytes.size() > limit ? result + "..." : result;
+}
+
+std::string shortest(double number) {
+    std::array<char, 32> text;
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end};
+}
+
+} // namespace host

@@ -1,0 +1,168 @@
+#pragma once
+
+// Values as a program of the host's language sees them, and the outcome of a call.
+
+#include "host/core/PluginRecords.h"
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace host {
+
+/// Text encodings of host strings, numbered as Core Foundation numbers its string encodings.
+namespace encoding {
+inline constexpr std::uint32_t macRoman = 0;
+inline constexpr std::uint32_t utf16 = 0x0100; ///< host byte order
+inline constexpr std::uint32_t latin1 = 0x0201;
+inline constexpr std::uint32_t windowsLatin1 = 0x0500;
+inline constexpr std::uint32_t ascii = 0x0600;
+inline constexpr std::uint32_t utf8 = 0x08000100;
+inline constexpr std::uint32_t utf32 = 0x0C000100; ///< host byte order
+inline constexpr std::uint32_t unknown = 0xFFFF;   ///< bytes without a declared encoding
+} // namespace encoding
+
+/// Owns one reference to a host string, or nothing (nil). Copying adds a reference. Must not
+/// outlive its host.
+class StringRef {
+public:
+    StringRef() = default;
+    StringRef(const StringRef &other);
+    StringRef(StringRef &&other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+    StringRef &operator=(StringRef other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~StringRef();
+
+    /// Takes over a reference that the caller owns.
+    static StringRef adopt(StringHandle handle);
+    /// Adds a reference of its own.
+    static StringRef share(StringHandle handle);
+
+    /// Borrowed; valid as long as this owner lives.
+    [[nodiscard]] StringHandle handle() const { return handle_; }
+    operator StringHandle() const { return handle_; }
+    /// Gives the reference up to the caller.
+    [[nodiscard]] StringHandle release();
+
+private:
+    StringHandle handle_ = nullptr;
+};
+
+/// Owns one reference to a host object, or nothing (nil). Dropping the last reference runs the
+/// object's destructors; a foreign exception thrown there becomes a violation (use
+/// Host::release to see it).
+class ObjectRef {
+public:
+    ObjectRef() = default;
+    ObjectRef(const ObjectRef &other);
+    ObjectRef(ObjectRef &&other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+    ObjectRef &operator=(ObjectRef other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~ObjectRef();
+
+    static ObjectRef adopt(ObjectHandle handle);
+    static ObjectRef share(ObjectHandle handle);
+
+    [[nodiscard]] ObjectHandle handle() const { return handle_; }
+    operator ObjectHandle() const { return handle_; }
+    [[nodiscard]] ObjectHandle release();
+    /// What the destructor does, but exceptions pass.
+    void drop();
+
+private:
+    ObjectHandle handle_ = nullptr;
+};
+
+/// A value that does not fit where it is used: an argument of the wrong type, a missing member,
+/// a result asked for as something it is not. The fault of whoever uses the host, never of the
+/// plug-in (that is a violation).
+class UsageError : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
+
+using ValueAlternatives =
+    std::variant<std::monostate, std::int64_t, std::uint64_t, double, bool, StringRef, ObjectRef>;
+
+/// One value. Nil strings and nil objects are both the monostate.
+class Value : public ValueAlternatives {
+public:
+    using ValueAlternatives::ValueAlternatives;
+    Value() = default;
+    Value(int number) : ValueAlternatives(std::int64_t{number}) {}
+    Value(long long number) : ValueAlternatives(std::int64_t{number}) {}
+    /// Makes a UTF-8 string in the current host; "" is nil, as the empty string of a program is.
+    Value(const char *utf8Text);
+    Value(std::string_view utf8Text);
+    Value(StringRef string) {
+        if (string.handle() != nullptr)
+            emplace<StringRef>(std::move(string));
+    }
+    Value(ObjectRef object) {
+        if (object.handle() != nullptr)
+            emplace<ObjectRef>(std::move(object));
+    }
+
+    [[nodiscard]] bool isNil() const { return std::holds_alternative<std::monostate>(*this); }
+
+    /// Each throws UsageError when the value is something else. A nil value is an empty owner
+    /// for string() and object(), and "" for text().
+    [[nodiscard]] std::int64_t integer() const;
+    [[nodiscard]] std::uint64_t unsignedInteger() const;
+    [[nodiscard]] double number() const;
+    [[nodiscard]] bool boolean() const;
+    [[nodiscard]] StringRef string() const;
+    [[nodiscard]] ObjectRef object() const;
+    /// The string's text in UTF-8.
+    [[nodiscard]] std::string text() const;
+};
+
+/// For messages: 12, "abc", true, NSProcessInfoZKT#1, nil.
+std::string describe(const Value &value);
+
+/// A host exception that became visible when the plug-in's function returned.
+struct RaisedException {
+    std::string className;
+    std::optional<std::string> message; ///< UTF-8; empty when Message is the null string
+    std::int64_t errorNumber = 0;
+    std::string cocoaName = {};   ///< of the NSException inside an NSExceptionZKT, else ""
+    std::string cocoaReason = {}; ///< likewise
+    ObjectRef object;
+};
+
+/// What a call gave: its value, and the host exception that it left behind, if any. With an
+/// exception the value is the function's fallback, which a program would never see.
+struct Outcome {
+    Value value;
+    std::optional<RaisedException> exception;
+
+    [[nodiscard]] bool raised() const { return exception.has_value(); }
+
+    /// The value of a call that must not have raised: each throws UsageError naming the
+    /// exception if there is one.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): procedures are asked only for what it throws.
+    const Value &result() const;
+    [[nodiscard]] bool isNil() const { return result().isNil(); }
+    [[nodiscard]] std::int64_t integer() const { return result().integer(); }
+    [[nodiscard]] std::uint64_t unsignedInteger() const { return result().unsignedInteger(); }
+    [[nodiscard]] double number() const { return result().number(); }
+    [[nodiscard]] bool boolean() const { return result().boolean(); }
+    [[nodiscard]] StringRef string() const { return result().string(); }
+    [[nodiscard]] ObjectRef object() const & { return result().object(); }
+    /// Moved out, so that the owner that it gives is the only one.
+    ObjectRef object() &&;
+    [[nodiscard]] std::string text() const { return result().text(); }
+};
+
+using Values = std::vector<Value>;
+
+} // namespace host
