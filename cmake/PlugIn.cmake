@@ -6,18 +6,7 @@ target_compile_options(NSProcessInfoZKT PRIVATE -fvisibility=hidden -fvisibility
 set_target_properties(NSProcessInfoZKT PROPERTIES PREFIX "")
 
 if(APPLE)
-    configure_file(${CMAKE_SOURCE_DIR}/bundle/Info.plist.in
-                   ${CMAKE_BINARY_DIR}/generated/Info.plist @ONLY)
-    set_target_properties(NSProcessInfoZKT PROPERTIES
-        BUNDLE ON
-        BUNDLE_EXTENSION bundle
-        MACOSX_BUNDLE_INFO_PLIST ${CMAKE_BINARY_DIR}/generated/Info.plist)
-    target_compile_options(NSProcessInfoZKT PRIVATE
-        "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions>")
-    target_link_options(NSProcessInfoZKT PRIVATE -Wl,-exported_symbol,_REALPluginMain)
-    target_link_libraries(NSProcessInfoZKT PRIVATE
-        "-framework Foundation" "-framework CoreFoundation" "-framework CoreServices"
-        "-framework CoreText" objc)
+    include(MacBundle)
 else()
     # Compiled against the same Foundation declarations as the bundle, so that both images expect
     # macOS's types. The names of Core Foundation and its family stay undefined: whoever loads the
