@@ -104,8 +104,9 @@ class DebugInformation(unittest.TestCase):
         self.assertRegex(place[1], r"^(\./)*processinfo/Properties\.mm:\d+")
 
     def test_names_no_folder_of_the_checkout(self):
-        for path in [*files(dsym), *files(bundle)]:
-            self.assertNotIn(str(sources).encode(), path.read_bytes(), path)
+        naming = [path.name for path in [*files(dsym), *files(bundle)]
+                  if str(sources).encode() in path.read_bytes()]
+        self.assertEqual(naming, [])
 
 
 class Signature(unittest.TestCase):
