@@ -4,6 +4,7 @@
 #include "host/classes/Instances.h"
 #include "host/classes/Invoker.h"
 #include "host/core/Cocoa.h"
+#include "host/core/PluginCall.h"
 #include "host/family/Siblings.h"
 #include "host/language/Encodings.h"
 
@@ -135,7 +136,9 @@ Image &Host::loadPlugin(const std::filesystem::path &file, const ImageOptions &i
     static std::vector<std::unique_ptr<Image>> images;
     Image &image = *images.emplace_back(openImage(file, imageOptions));
     void *const pool = pushAutoreleasePool();
+    PluginCall call(PluginCall::Kind::entryPoint, "");
     image.entryPoint()(resolver());
+    call.done();
     popAutoreleasePool(pool);
     return image;
 }

@@ -112,7 +112,7 @@ Outcome Host::callShared(std::string_view className, std::string_view name,
     const Method *method = type.sharedMethod(name, arguments.size());
     if (method == nullptr)
         noMethod(type, "shared method", name, arguments.size());
-    return perform([&] { return callSharedMethod(*this, *method, arguments); });
+    return perform([&] { return callSharedMethod(*this, type, *method, arguments); });
 }
 
 std::int64_t Host::constant(std::string_view className, std::string_view name) const {

@@ -1,6 +1,7 @@
 #include "host/classes/Instances.h"
 
 #include "host/Host.h"
+#include "host/core/PluginCall.h"
 #include "host/language/Names.h"
 
 namespace host {
@@ -11,8 +12,11 @@ void runConstructors(const HostClass *type, ObjectHandle handle) {
     if (type == nullptr)
         return;
     runConstructors(type->superclass, handle);
-    if (type->constructor != nullptr)
-        type->constructor(handle);
+    if (type->constructor == nullptr)
+        return;
+    PluginCall call(PluginCall::Kind::constructor, type->name);
+    type->constructor(handle);
+    call.done();
 }
 
 /// An object whose constructor was left by an exception never becomes one.
@@ -53,11 +57,13 @@ Object *instantiate(Host &host, const HostClass &type) {
 void runDestructors(Object &object) {
     const ObjectHandle handle = object.handle();
     for (const HostClass *type = object.type; type != nullptr; type = type->superclass) {
+        PluginCall call(PluginCall::Kind::destructor, type->name);
         for (const Method &method : type->methods)
             if (sameName(method.parsed.name, "Destructor") && method.parsed.parameters.empty())
                 reinterpret_cast<void (*)(ObjectHandle)>(method.function)(handle);
         if (type->destructor != nullptr)
             type->destructor(handle);
+        call.done();
     }
 }
 

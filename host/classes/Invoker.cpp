@@ -2,6 +2,7 @@
 
 #include "host/Host.h"
 #include "host/classes/Builtins.h"
+#include "host/core/PluginCall.h"
 #include "host/language/Names.h"
 
 #include <ffi.h>
@@ -203,8 +204,12 @@ bool isRegisterFiller(const Slot &answer, const Type &type) {
 /// A call being put together; at most this many arguments, the object included.
 class Call {
 public:
-    /// What the callee does is filed under its name, which must live as long as the host.
-    Call(Host &host, const char *actor) : host_(host), acting_(host.heap(), actor) {}
+    using Kind = PluginCall::Kind;
+
+    /// What the callee does is filed under the member's name. Both must live as long as the host.
+    Call(Host &host, const HostClass &type, const std::string &member, Kind kind = Kind::member)
+        : host_(host), acting_(host.heap(), member.c_str()), type_(type), member_(member),
+          kind_(kind) {}
 
     void addHandle(ObjectHandle handle) { next(&ffi_type_pointer).pointer = handle; }
     void addInteger(std::int64_t number) { next(&ffi_type_sint64).integer = number; }
@@ -235,6 +240,9 @@ private:
 
     Host &host_;
     Heap::Acting acting_;
+    const HostClass &type_;
+    const std::string &member_;
+    Kind kind_;
     std::size_t count_ = 0;
     std::array<Slot, places> slots_{};
     std::array<ffi_type *, places> types_{};
@@ -293,7 +301,9 @@ Value Call::run(void *function, const std::optional<Type> &result) {
         values[i] = &slots_[i];
     // libffi widens small integers to a register; their low bytes come first.
     Slot answer{};
+    PluginCall pluginCall(kind_, type_.name, member_);
     ffi_call(&interface, FFI_FN(function), &answer, values.data());
+    pluginCall.done();
     if (result && !result->isArray && isRegisterFiller(answer, *result))
         host_.heap().violation("returned what the host had left in a register where the "
                                "declaration says " +
@@ -342,14 +352,15 @@ void writeField(Host &host, Object &object, const Property &property, const Valu
 } // namespace
 
 Value callMethod(Host &host, const Method &method, Object &object, const Values &arguments) {
-    Call call(host, method.parsed.name.c_str());
+    Call call(host, *object.type, method.parsed.name);
     call.addHandle(object.handle());
     call.addAll(method.parsed.parameters, arguments);
     return call.run(method.function, method.parsed.result);
 }
 
-Value callSharedMethod(Host &host, const Method &method, const Values &arguments) {
-    Call call(host, method.parsed.name.c_str());
+Value callSharedMethod(Host &host, const HostClass &type, const Method &method,
+                       const Values &arguments) {
+    Call call(host, type, method.parsed.name);
     call.addAll(method.parsed.parameters, arguments);
     return call.run(method.function, method.parsed.result);
 }
@@ -359,7 +370,7 @@ Value readProperty(Host &host, Object &object, const Property &property) {
         return property.read(object);
     if (property.isField())
         return readField(host, object, property);
-    Call call(host, property.name.c_str());
+    Call call(host, *object.type, property.name);
     call.addHandle(object.handle());
     call.addInteger(property.parameter);
     return call.run(property.getter, property.type);
@@ -373,7 +384,7 @@ void writeProperty(Host &host, Object &object, const Property &property, const V
     } else if (property.isField()) {
         writeField(host, object, property, value);
     } else {
-        Call call(host, property.name.c_str());
+        Call call(host, *object.type, property.name, PluginCall::Kind::setter);
         call.addHandle(object.handle());
         call.addInteger(property.parameter);
         call.add(value, property.type);

@@ -26,7 +26,8 @@ class Host;
 
 /// Missing arguments take the declaration's defaults.
 Value callMethod(Host &host, const Method &method, Object &object, const Values &arguments);
-Value callSharedMethod(Host &host, const Method &method, const Values &arguments);
+Value callSharedMethod(Host &host, const HostClass &type, const Method &method,
+                       const Values &arguments);
 
 Value readProperty(Host &host, Object &object, const Property &property);
 void writeProperty(Host &host, Object &object, const Property &property, const Value &value);

@@ -1,12 +1,14 @@
 // zkthost: loads a plug-in into the reference host and shows what it gives to programs.
 //
 // Exit status: 0 fine; 1 the plug-in misbehaved (violations, leaks, a foreign exception);
-// 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception.
+// 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception;
+// 5 zkthost itself failed.
 // A plug-in that misbehaved gives 1 whatever follows from it; its violations stand first.
 
 #include "host/Host.h"
 #include "host/classes/Description.h"
 #include "host/core/Cocoa.h"
+#include "host/core/PluginCall.h"
 #include "host/zkthost/Call.h"
 #include "host/zkthost/CocoaSource.h"
 #include "host/zkthost/Convert.h"
@@ -26,7 +28,7 @@
 
 namespace {
 
-enum Status { fine = 0, misbehaved = 1, badInput = 2, raisedException = 3 };
+enum Status { fine = 0, misbehaved = 1, badInput = 2, raisedException = 3, failed = 5 };
 
 void print(std::FILE *stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
@@ -58,6 +60,15 @@ Status giveUp(host::Host &host, const std::string &what, Status status) {
     const Status before = verdict(host);
     complain(what, status);
     return before == fine ? status : before;
+}
+
+/// For an exception that nobody expects: the plug-in's when it left a call into the plug-in, else a
+/// fault of this program.
+Status giveUpAfter(host::Host &host, const std::string &kind, const std::string &what) {
+    const std::string reason = what.empty() ? "" : ": " + what;
+    if (const auto &thrower = host::PluginCall::thrower())
+        return giveUp(host, *thrower + " let " + kind + " through" + reason, misbehaved);
+    return giveUp(host, "failed by itself, with " + kind + reason, failed);
 }
 
 host::Image &load(host::Host &host, const zkthost::Options &options) {
@@ -157,16 +168,14 @@ int main(int argc, char **argv) {
     try {
         Status status = fine;
         const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(host, options); });
-        return cocoa ? giveUp(host, "the plug-in let an NSException through: " + *cocoa, misbehaved)
-                     : status;
+        return cocoa ? giveUpAfter(host, "an NSException", *cocoa) : status;
     } catch (const zkthost::InputError &error) {
         return giveUp(host, error.what(), badInput);
     } catch (const host::UsageError &error) {
         return giveUp(host, error.what(), badInput);
     } catch (const std::exception &error) {
-        return giveUp(host, std::string("the plug-in let a C++ exception through: ") + error.what(),
-                      misbehaved);
+        return giveUpAfter(host, "a C++ exception", error.what());
     } catch (...) {
-        return giveUp(host, "the plug-in let a C++ exception through", misbehaved);
+        return giveUpAfter(host, "a C++ exception", "");
     }
 }

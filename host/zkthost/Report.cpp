@@ -3,6 +3,7 @@
 #include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"
 #include "host/language/Names.h"
+#include "host/zkthost/Columns.h"
 
 #include <llvm/Support/JSON.h>
 #include <llvm/Support/raw_ostream.h>
@@ -55,12 +56,6 @@ std::string textOf(const Value &value) {
     if (const auto *string = std::get_if<StringRef>(&value))
         return Host::current().text(string->handle());
     return describe(value);
-}
-
-/// Control characters would leave the line.
-std::string printable(std::string text) {
-    std::ranges::replace_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
-    return text;
 }
 
 llvm::json::Value jsonOf(const Value &value);
@@ -206,14 +201,6 @@ std::string reportAsText(const Report &report, bool colours) {
     const std::string strong = colours ? "\033[1m" : "";
     const std::string faint = colours ? "\033[2m" : "";
     const std::string plain = colours ? "\033[0m" : "";
-    std::size_t nameWidth = 0;
-    std::size_t typeWidth = 0;
-    for (const auto *rows : {&report.properties, &report.arguments, &report.activity,
-                             &report.shared, &report.constants})
-        for (const ReportRow &row : *rows) {
-            nameWidth = std::max(nameWidth, row.name.size());
-            typeWidth = std::max(typeWidth, row.type.size());
-        }
     std::string text = strong + std::string(className) + plain + '\n' + faint + "  " +
                        report.image + " (" + report.format + "), interface version " +
                        std::to_string(report.interfaceVersion) + plain + "\n\n";
@@ -222,10 +209,15 @@ std::string reportAsText(const Report &report, bool colours) {
         if (rows.empty())
             return;
         text += "\n" + strong + std::string(title) + plain + "\n";
+        std::size_t nameWidth = 0;
+        std::size_t typeWidth = 0;
+        for (const ReportRow &row : rows) {
+            nameWidth = std::max(nameWidth, displayWidth(printable(row.name)));
+            typeWidth = std::max(typeWidth, displayWidth(row.type));
+        }
         for (const ReportRow &row : rows)
-            text += "  " + row.name + std::string(nameWidth + 2 - row.name.size(), ' ') + faint +
-                    row.type + plain + std::string(typeWidth + 2 - row.type.size(), ' ') +
-                    printable(row.text) + "\n";
+            text += "  " + padded(printable(row.name), nameWidth + 2) + faint +
+                    padded(row.type, typeWidth) + plain + "  " + printable(row.text) + "\n";
     };
     addRows("Properties", report.properties);
     addRows("Environment", report.environment);

@@ -214,3 +214,63 @@ TEST_P(Report, ListsTheEnvironmentSortedByName) {
     EXPECT_THAT(text.out, testing::ContainsRegex("\n  environment +Dictionary +" +
                                                  std::to_string(last - first - 1) + " entries\n"));
 }
+
+namespace {
+
+/// Where the column begins that this text stands in, as a terminal counts; the row begins with
+/// `name`.
+std::ptrdiff_t columnOf(const std::string &report, const std::string &name,
+                        const std::string &text) {
+    for (const std::string &line : linesOf(report))
+        if (line.starts_with("  " + name + ' ')) {
+            // One column for each character of the names used here.
+            const std::string before = line.substr(0, line.find(text));
+            return std::ranges::count_if(before, [](char c) { return (c & 0xC0) != 0x80; });
+        }
+    return -1;
+}
+
+} // namespace
+
+TEST_P(Report, ShowsVariablesWithNamesOfAnyLength) {
+    const std::string name(300, 'N');
+    setenv(name.c_str(), "its value", 1);
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    EXPECT_THAT(text.out, HasSubstr("\n  " + name + "  Variant  its value\n"));
+}
+
+TEST_P(Report, HasTheWidthOfEachTableFromItsOwnRows) {
+    const std::string longName(70, 'N');
+    setenv(longName.c_str(), "its value", 1);
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    std::size_t longest = 0;
+    for (const ExpectedConstant &expected : expectedConstants)
+        longest = std::max(longest, std::string_view(expected.name).size());
+    EXPECT_EQ(columnOf(text.out, expectedConstants[0].name, "Integer"), 2 + longest + 2);
+    EXPECT_EQ(columnOf(text.out, longName, "Variant"), 2 + 70 + 2);
+}
+
+TEST_P(Report, CountsColumnsAsATerminalDoes) {
+    setenv("ZKTHOST_AOU", "plain letters", 1);
+    setenv("ZKTHOST_\xC3\x84\xC3\x96\xC3\x9C", "letters of two bytes", 1);
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    const auto plain = columnOf(text.out, "ZKTHOST_AOU", "Variant");
+    EXPECT_GT(plain, 0);
+    EXPECT_EQ(columnOf(text.out, "ZKTHOST_\xC3\x84\xC3\x96\xC3\x9C", "Variant"), plain);
+}
+
+TEST_P(Report, LetsNoControlCharacterThroughToATerminal) {
+    // CSI as one character, DEL, a line separator; in a name too.
+    setenv("ZKTHOST_C1",
+           "a\xC2\x9B"
+           "31m|\x7F|\xE2\x80\xA8.",
+           1);
+    setenv("ZKTHOST_\xC2\x9B", "named", 1);
+    const Finished text = zkthost({"report"}, GetParam().path);
+    expectSuccess(text);
+    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_C1 +Variant +a 31m\\| \\| \\.\n"));
+    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_  +Variant +named\n"));
+}
