@@ -12,6 +12,7 @@
 #include <iostream>
 #include <map>
 #include <regex>
+#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -50,9 +51,18 @@ Names linesOf(const std::filesystem::path &file) {
     return lines;
 }
 
+std::regex expression(const char *option, const std::string &text) {
+    try {
+        return std::regex(text);
+    } catch (const std::regex_error &error) {
+        throw std::invalid_argument(std::string(option) + ' ' + text +
+                                    ": is no regular expression: " + error.what());
+    }
+}
+
 Names testsOf(const IsolatedRun &run) {
     Names names = run.order.empty() ? allTests() : linesOf(run.order);
-    const std::regex wanted(run.matching);
+    const std::regex wanted = expression("--matching", run.matching);
     std::erase_if(names, [&](const std::string &name) { return !std::regex_search(name, wanted); });
     return names;
 }

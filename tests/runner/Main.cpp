@@ -1,3 +1,4 @@
+#include "CommandLine.h"
 #include "IsolatedRun.h"
 
 #include <gmock/gmock.h>
@@ -13,11 +14,12 @@ int main(int argc, char **argv) {
     IsolatedRun run;
     CLI::App app{"Tests; GoogleTest's options are valid too."};
     run.addOptionsTo(app);
-    CLI11_PARSE(app, argc, argv);
+    if (const auto end = parseCommandLine(app, argc, argv))
+        return *end;
     try {
         return runTests(run, std::filesystem::path(argv[0]).filename());
     } catch (const std::exception &exception) {
         std::cerr << argv[0] << ": " << exception.what() << '\n';
-        return 2;
+        return badInput;
     }
 }

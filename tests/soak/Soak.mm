@@ -1,5 +1,7 @@
 // A million mixed operations on an image, with what the process holds meanwhile.
 
+#include "Soak.h"
+
 #include "Plot.h"
 
 #include "host/Host.h"
@@ -8,7 +10,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <CLI/CLI.hpp>
 #include <CoreFoundation/CoreFoundation.h>
 #include <algorithm>
 #include <array>
@@ -172,13 +173,6 @@ double median(std::vector<double> values, double from, double to) {
     return values.at(values.size() / 2);
 }
 
-struct Options {
-    std::string image;
-    std::string picture;
-    long operations = 1'000'000;
-    long seconds = 0; // 0: no limit
-};
-
 struct Samples {
     Series memory{"resident memory, KiB", {}};
     Series objects{"live host objects", {}};
@@ -193,7 +187,7 @@ struct Samples {
     }
 };
 
-Samples soak(host::Host &host, const Options &options) {
+Samples samplesOf(host::Host &host, const SoakOptions &options) {
     using Clock = std::chrono::steady_clock;
     Program program(host);
     Samples samples;
@@ -230,11 +224,13 @@ bool isFlat(const Series &series, double tolerance) {
 /// The plug-in logs every Cocoa exception; here they are too many to read.
 void ignoreLogLine(NSString *) {}
 
-int run(const Options &options) {
+} // namespace
+
+int soak(const SoakOptions &options) {
     _NSLog_printf_handler = ignoreLogLine;
     host::Host host{{.tracing = false, .quarantineLimit = 64}};
     host.loadPlugin(options.image);
-    const Samples samples = soak(host, options);
+    const Samples samples = samplesOf(host, options);
     if (samples.memory.values.size() < 8) {
         std::fputs("soak: too short for a judgement\n", stderr);
         return 2;
@@ -253,26 +249,4 @@ int run(const Options &options) {
     host.shutDown();
     std::printf("%s\n", describe(host.account()).c_str());
     return flat && host.violations().empty() ? 0 : 1;
-}
-
-} // namespace
-
-// What is thrown ends the program and is named as it does.
-// NOLINTNEXTLINE(bugprone-exception-escape)
-int main(int argc, char **argv) {
-    host::startFoundation(argc, argv, environ);
-    const host::AutoreleasePool pool;
-    CLI::App app{"Mixed operations on an image for a long time"};
-    Options options;
-    app.add_option("--image", options.image, "macOS bundle or Linux object")->required();
-    app.add_option("--operations", options.operations, "how many (default a million)");
-    app.add_option("--seconds", options.seconds, "at most so long");
-    app.add_option("--plot", options.picture, "write an SVG picture to this file");
-    CLI11_PARSE(app, argc, argv);
-    try {
-        return run(options);
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "soak: %s\n", error.what());
-        return 1;
-    }
 }

@@ -1,3 +1,4 @@
+#include "CommandLine.h"
 #include "ImageUnderTest.h"
 #include "IsolatedRun.h"
 #include "RowMessages.h"
@@ -33,19 +34,21 @@ int main(int argc, char **argv) {
 
     IsolatedRun run;
     CLI::App app{"The plug-in's tests; GoogleTest's options are valid too."};
-    app.add_option("--image", image, "the macOS bundle or the Linux object");
+    app.add_option("--image", image, "the macOS bundle or the Linux object")
+        ->check(CLI::ExistingPath);
     app.add_flag_callback(
         "--ask-every-row", [] { askEveryRow(true); }, "convert without the short way to a row");
     run.addOptionsTo(app);
-    CLI11_PARSE(app, argc, argv);
+    if (const auto end = parseCommandLine(app, argc, argv))
+        return *end;
     if (image.empty() && !GTEST_FLAG_GET(list_tests)) {
-        std::cerr << argv[0] << ": --image=FILE is missing\n";
-        return 2;
+        std::cerr << app.get_name() << ": --image=FILE is missing\n";
+        return badInput;
     }
     try {
         return runTests(run, "contract tests of " + image.filename().string());
     } catch (const std::exception &exception) {
-        std::cerr << argv[0] << ": " << exception.what() << '\n';
-        return 2;
+        std::cerr << app.get_name() << ": " << exception.what() << '\n';
+        return badInput;
     }
 }
