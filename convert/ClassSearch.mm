@@ -18,57 +18,27 @@ using RowIndex = std::uint8_t;
 constexpr RowIndex noRow = std::numeric_limits<RowIndex>::max();
 static_assert(std::size(classRows) < noRow);
 
-// The rows by class name: open addressing, with names placed by the first three characters behind
-// the prefix that all have. Most names that are looked up are in no row, and mostly their place is
-// empty: nearly all are told apart without reading them whole.
-class RowsByName {
-public:
-    constexpr RowsByName() {
-        slots_.fill(noRow);
-        for (std::size_t row = 0; row != std::size(classRows); ++row)
-            if (row != booleanRow)
-                place(static_cast<RowIndex>(row));
+// The rows by class name. Shorter names come first: most names that are looked up are in no row,
+// and mostly their length and first characters tell.
+struct NamedRow {
+    std::string_view name;
+    RowIndex row;
+
+    friend constexpr bool operator<(const NamedRow &one, const NamedRow &other) {
+        return one.name.size() != other.name.size() ? one.name.size() < other.name.size()
+                                                    : one.name < other.name;
     }
-
-    [[nodiscard]] static constexpr bool canContain(const char *name) {
-        return name[0] == 'N' && name[1] == 'S';
-    }
-
-    // The row of a name that it can contain, or noRow.
-    [[nodiscard]] constexpr RowIndex find(const char *name) const {
-        if (name[2] == '\0' || name[3] == '\0' || name[4] == '\0')
-            return noRow;
-        std::size_t slot = firstSlot(name);
-        while (slots_[slot] != noRow &&
-               std::string_view(classRows[slots_[slot]].cocoaClass) != name)
-            slot = nextSlot(slot);
-        return slots_[slot];
-    }
-
-private:
-    static constexpr std::size_t slotCount = 1024; // a power of two, mostly empty
-
-    static constexpr std::size_t firstSlot(const char *name) {
-        const auto at = [=](std::size_t i) { return static_cast<unsigned char>(name[i]); };
-        return (at(2) * 293U + at(3) * 67U + at(4) * 11U) % slotCount;
-    }
-    static constexpr std::size_t nextSlot(std::size_t slot) { return (slot + 1) % slotCount; }
-
-    constexpr void place(RowIndex row) {
-        std::size_t slot = firstSlot(classRows[row].cocoaClass);
-        while (slots_[slot] != noRow)
-            slot = nextSlot(slot);
-        slots_[slot] = row;
-    }
-
-    std::array<RowIndex, slotCount> slots_{};
 };
-constexpr RowsByName rowsByName;
 
-static_assert(std::ranges::all_of(classRows, [](const ClassRow &row) {
-    return row.cocoaClass == nullptr || (RowsByName::canContain(row.cocoaClass) &&
-                                         &classRows[rowsByName.find(row.cocoaClass)] == &row);
-}));
+constexpr auto namedRows = [] {
+    std::array<NamedRow, std::size(classRows) - 1> rows{};
+    std::size_t count = 0;
+    for (std::size_t row = 0; row != std::size(classRows); ++row)
+        if (row != booleanRow)
+            rows[count++] = {classRows[row].cocoaClass, static_cast<RowIndex>(row)};
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}();
 
 bool isCoreFoundationBoolean(NSObject *object) {
     return object == (id)kCFBooleanFalse || object == (id)kCFBooleanTrue;
@@ -137,9 +107,12 @@ RowIndex valueRowOf(Class cls) {
 
 // The row of any other class, or noRow. Such classes come and go, so that a name says little: the
 // row's class is the one that is loaded under the name now.
-RowIndex pairRowOf(Class cls, const char *name) {
-    const RowIndex row = rowsByName.find(name);
-    return row != noRow && objc_getClass(name) == cls ? row : noRow;
+RowIndex pairRowOf(Class cls) {
+    const char *name = class_getName(cls);
+    const auto *found = std::lower_bound(namedRows.begin(), namedRows.end(), NamedRow{name, noRow});
+    return found != namedRows.end() && found->name == name && objc_getClass(name) == cls
+               ? found->row
+               : noRow;
 }
 
 // The same as firstRowByMessages, for an object whose class answers as NSObject does: of the rows
@@ -147,14 +120,11 @@ RowIndex pairRowOf(Class cls, const char *name) {
 const ClassRow *firstRowOfAncestors(NSObject *object, Class cls) {
     RowIndex first = noRow;
     for (Class each = cls; each != Nil && each != rootClass; each = class_getSuperclass(each)) {
-        const char *name = object_getClassName((id)each);
-        if (!RowsByName::canContain(name))
-            continue;
         if (const RowIndex value = valueRowOf(each); value != noRow) {
             first = value;
             break;
         }
-        first = std::min(first, pairRowOf(each, name));
+        first = std::min(first, pairRowOf(each));
     }
     if (first > booleanRow && isCoreFoundationBoolean(object))
         first = booleanRow;

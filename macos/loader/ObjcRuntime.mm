@@ -130,6 +130,10 @@ const char *getClassName(id object) {
     return object_getClassName(object);
 }
 
+const char *getName(Class cls) {
+    return class_getName(cls);
+}
+
 Class getSuperclass(Class cls) {
     return class_getSuperclass(cls);
 }
@@ -173,6 +177,7 @@ std::span<const BridgeSymbol> runtimeSymbols() {
         {"object_getClass", address(getClass)},
         {"object_getClassName", address(getClassName)},
         {"class_getMethodImplementation", address(getMethodImplementation)},
+        {"class_getName", address(getName)},
         {"class_getSuperclass", address(getSuperclass)},
         {"objc_terminate", address(std::terminate)},
         {"__CFConstantStringClassReference", objc::constantStringClass()},

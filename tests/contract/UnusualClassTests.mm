@@ -52,6 +52,23 @@ void rename(Class cls, const char *name) {
     reinterpret_cast<const char **>(object_getClass((id)cls))[2] = name;
 }
 
+/// While it lives, a class object is of a class with this name, below the one that it was of.
+class ExchangedMetaclass {
+public:
+    ExchangedMetaclass(Class cls, const char *name) : object_((id)cls) {
+        const Class made = objc_allocateClassPair(cls, name, 0);
+        objc_registerClassPair(made);
+        object_setClass(object_, object_getClass((id)made));
+    }
+    ~ExchangedMetaclass() { object_setClass(object_, before_); }
+    ExchangedMetaclass(const ExchangedMetaclass &) = delete;
+    ExchangedMetaclass &operator=(const ExchangedMetaclass &) = delete;
+
+private:
+    id object_;
+    Class before_ = object_getClass(object_);
+};
+
 /// A function in no library that runs on in another.
 class GeneratedCode {
 public:
@@ -119,6 +136,37 @@ TEST_F(UnusualClass, WithTheNameOfAnotherIsNotThatOther) {
         EXPECT_EQ(host::siblings::registered((const void *)object) != nullptr, each == first)
             << "the second is only walked, and found by its name";
     }
+}
+
+// As where somebody stubs the methods of a class itself.
+TEST_F(UnusualClass, WhoseOwnClassIsExchangedHasItsRow) {
+    scene.know("NSShadowZKT");
+    scene.know("NSObjectZKT");
+    const ExchangedMetaclass exchanged(classNamed("NSShadow"), "NSShadow-0x1-2");
+    const id shadow = [[[classNamed("NSShadow") alloc] init] autorelease];
+    const host::ObjectRef made = scene.convert(shadow);
+    EXPECT_EQ(host.className(made), "NSShadowZKT");
+    EXPECT_EQ(host::siblings::registered((const void *)shadow), made.handle());
+}
+
+TEST_F(UnusualClass, WhoseOwnClassIsExchangedIsStillTheDateOfItsSubclasses) {
+    scene.know("NSObjectZKT");
+    const ExchangedMetaclass exchanged([NSDate class], "Stub");
+    const NSCalendarDate *const date = [NSCalendarDate dateWithTimeIntervalSinceReferenceDate:0];
+    EXPECT_EQ(host.className(scene.convert(date)), "Date");
+}
+
+TEST_F(UnusualClass, WhoseOwnClassIsExchangedIsStillOfferedToTheHookForViews) {
+    static host::ObjectHandle offered = nullptr;
+    scene.know("NSViewZKT");
+    scene.know("QTMovieViewZKT");
+    offered = host.newInstance("QTMovieViewZKT").release();
+    class_addMethod(
+        object_getClass([NSValue class]), sel_registerName("NewQTKitNSViewZKT:"),
+        implementationOf<host::ObjectHandle(id, SEL, id)>([](id, SEL, id) { return offered; }),
+        "^v@:@");
+    const ExchangedMetaclass exchanged(classNamed("NSView"), "NSView-0x1-2");
+    EXPECT_EQ(classOfNew(classNamed("NSView")), "QTMovieViewZKT");
 }
 
 TEST_F(UnusualClass, OfARootThatAnswersAsNSObjectDoesIsWalkedToItsEnd) {

@@ -49,6 +49,7 @@ static_assert(has<&FSRefMakePath, OSStatus(const FSRef *, UInt8 *, UInt32)>);
 static_assert(has<&sel_registerName, SEL(const char *)>);
 static_assert(has<&object_getClassName, const char *(id)>);
 static_assert(has<&object_getClass, Class(id)>);
+static_assert(has<&class_getName, const char *(Class)>);
 static_assert(has<&class_getSuperclass, Class(Class)>);
 static_assert(has<&class_getMethodImplementation, IMP(Class, SEL)>);
 static_assert(std::is_invocable_v<decltype(objc_getClass), const char *>);

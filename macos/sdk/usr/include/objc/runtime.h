@@ -13,6 +13,9 @@ OBJC_EXPORT Class _Nullable objc_getClass(const char *name);
 /// The class of an object; null for a null object.
 OBJC_EXPORT Class _Nullable object_getClass(id _Nullable object);
 
+/// The name of a class; "nil" for a null class.
+OBJC_EXPORT const char *class_getName(Class _Nullable cls);
+
 /// The superclass; null for a root class and for a null class.
 OBJC_EXPORT Class _Nullable class_getSuperclass(Class _Nullable cls);
 
