@@ -1,12 +1,13 @@
 #include "bridge/MemoryBlocks.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/RaiseException.h"
 
 #include <array>
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -18,13 +19,19 @@ using SizeConstructor = void(REALobjectStruct *block, std::int64_t size);
 
 constinit DataPointerMethod *myMemoryBlockGetPtr = nullptr;
 
+void unlockBlock(MemoryBlockRequest *request) {
+    if (request->block != nullptr)
+        REALUnlockObject(request->block);
+}
+
 REALobjectStruct *newLargeBlock(std::int64_t size) {
     MemoryBlockRequest request{size, nullptr};
+    // The guard may throw when its callback has made the block already.
+    const HeldUntilReset<MemoryBlockRequest *, unlockBlock> answer{&request};
     ObjectReference exception{
         REALCallFunctionWithExceptionHandler(REALNewMemoryBlockWork, &request)};
-    ObjectReference block{request.block};
     exception.reset(); // what the constructor raised becomes the report of the missing block
-    return block.handOver();
+    return std::exchange(request.block, nullptr);
 }
 
 // From a scratch block; from the new one only if there is no other.

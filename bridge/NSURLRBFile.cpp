@@ -1,6 +1,6 @@
 #include "bridge/FolderItems.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/HostText.h"
 
 #include <CoreServices/CoreServices.h>
@@ -8,9 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
 #include <optional>
-#include <type_traits>
 
 // The host's interface to files is the File Manager's, long deprecated.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -22,13 +20,9 @@ constexpr CFIndex longestName = 255; // UTF-16 units
 constexpr std::size_t pathCapacity = 4096;
 constexpr std::int64_t nativePathMode = 3; // the host's mode for POSIX paths
 
-struct Release {
-    void operator()(CFTypeRef object) const { CFRelease(object); }
-};
-
-// A Core Foundation object with one reference, released at the end of the scope.
+// One reference to a Core Foundation object.
 template <class Ref>
-using Owned = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
+using Reference = HeldUntilReset<Ref, CFRelease>;
 
 using TrueFolderItemMethod = REALobjectStruct *(REALstringStruct *path, std::int64_t pathMode);
 
@@ -84,15 +78,17 @@ REALobjectStruct *folderItemByPath(const FSRef &item) {
 
 // The name in the form in which file systems store it, cut to what a name can hold.
 HFSUniStr255 storedName(CFStringRef component) {
-    Owned<CFMutableStringRef> copy{CFStringCreateMutableCopy(kCFAllocatorDefault, 0, component)};
-    if (copy != nullptr)
+    Reference<CFMutableStringRef> copy{
+        CFStringCreateMutableCopy(kCFAllocatorDefault, 0, component)};
+    if (copy)
         CFStringNormalize(copy.get(), kCFStringNormalizationFormD);
-    const Owned<CFStringRef> text{copy != nullptr ? copy.release()
-                                                  : static_cast<CFStringRef>(CFRetain(component))};
+    Reference<CFStringRef> text{copy ? copy.handOver()
+                                     : static_cast<CFStringRef>(CFRetain(component))};
     HFSUniStr255 name{};
     const CFIndex length = std::clamp<CFIndex>(CFStringGetLength(text.get()), 0, longestName);
     name.length = static_cast<UInt16>(length);
     CFStringGetCharacters(text.get(), CFRange{0, length}, name.unicode);
+    text.reset();
     return name;
 }
 
@@ -103,17 +99,19 @@ struct Place {
 };
 
 std::optional<Place> placeToBe(CFURLRef url) {
-    const Owned<CFURLRef> parentUrl{
+    Reference<CFURLRef> parentUrl{
         CFURLCreateCopyDeletingLastPathComponent(kCFAllocatorDefault, url)};
-    if (parentUrl == nullptr)
+    if (!parentUrl)
         return std::nullopt;
-    const std::optional<FSRef> parent = fileReference(parentUrl.get());
-    if (!parent)
-        return std::nullopt;
-    const Owned<CFStringRef> component{CFURLCopyLastPathComponent(url)};
-    if (component == nullptr)
-        return std::nullopt;
-    return Place{*parent, storedName(component.get())};
+    std::optional<Place> place;
+    if (const std::optional<FSRef> parent = fileReference(parentUrl.get())) {
+        Reference<CFStringRef> component{CFURLCopyLastPathComponent(url)};
+        if (component)
+            place = Place{*parent, storedName(component.get())};
+        component.reset();
+    }
+    parentUrl.reset();
+    return place;
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "bridge/CocoaStrings.h"
 
-#include "frame/HostServices.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/PluginMain.h"
 
 #include <Foundation/Foundation.h>
@@ -8,19 +8,6 @@
 namespace {
 
 constexpr double hostCopiesCFStringsSince = 2012.0;
-
-// Keeps a host string's bytes where they are, until the end of the scope or an exception.
-class StringLock {
-public:
-    explicit StringLock(REALstringStruct *string) : string_(string) { REALLockString(string); }
-    // A failing host service is the caller's to see, like any other.
-    ~StringLock() noexcept(false) { REALUnlockString(string_); }
-    StringLock(const StringLock &) = delete;
-    StringLock &operator=(const StringLock &) = delete;
-
-private:
-    REALstringStruct *string_;
-};
 
 // The CFString that the host itself hands out, owned by the caller, or null.
 CFStringRef stringFromHost(REALstringStruct *string) {
@@ -30,12 +17,10 @@ CFStringRef stringFromHost(REALstringStruct *string) {
     return REALGetStringCFString(string, 0);
 }
 
-// A CFString from the host string's bytes, owned by the caller; null if they do not decode. Host
-// and Core Foundation number encodings alike; UTF-16 alone needs more, to be read in host byte
+// Host and Core Foundation number encodings alike; UTF-16 alone needs more, to be read in host byte
 // order with a byte-order mark taken as text.
-CFStringRef stringFromBytes(REALstringStruct *string, std::uint32_t encoding) {
-    const StringLock lock(string);
-    const auto [bytes, length] = REALGetStringContents(string);
+CFStringRef decoded(StringContents contents, std::uint32_t encoding) {
+    const auto [bytes, length] = contents;
     if (bytes == nullptr && length > 0)
         return nullptr; // the host says how many there are, but not where
     if (encoding == HostEncoding::utf16)
@@ -43,6 +28,15 @@ CFStringRef stringFromBytes(REALstringStruct *string, std::uint32_t encoding) {
                                             reinterpret_cast<const UniChar *>(bytes), length / 2);
     return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(bytes),
                                    length, encoding, true);
+}
+
+// A CFString from the host string's bytes, owned by the caller; null if they do not decode.
+CFStringRef stringFromBytes(REALstringStruct *string, std::uint32_t encoding) {
+    REALLockString(string); // keeps the bytes where they are
+    StringReference lock{string};
+    HeldUntilReset<CFStringRef, CFRelease> result{decoded(REALGetStringContents(string), encoding)};
+    lock.reset();
+    return result.handOver();
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "bridge/UnicodeText.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/PluginMain.h"
 #include "frame/RaiseException.h"
 

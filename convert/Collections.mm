@@ -1,7 +1,7 @@
 #include "convert/Collections.h"
 
 #include "convert/Conversion.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 
 REALobjectStruct *newHostArray(NSArray *array) {
     ObjectReference result{REALCreateArray(objectElements, emptyArray)};

@@ -1,6 +1,6 @@
 #include "convert/CoreFoundationWrapper.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 
 #include <CoreText/CoreText.h>
 

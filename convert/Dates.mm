@@ -15,8 +15,9 @@ constexpr const char *setFieldsDeclaration =
 } // namespace
 
 REALobjectStruct *newHostDate(NSDate *date) {
-    NSCalendarDate *fields = [[[NSCalendarDate alloc]
-        initWithTimeIntervalSinceReferenceDate:[date timeIntervalSinceReferenceDate]] autorelease];
+    const NSTimeInterval moment = [date timeIntervalSinceReferenceDate];
+    NSCalendarDate *fields =
+        [[[NSCalendarDate alloc] initWithTimeIntervalSinceReferenceDate:moment] autorelease];
     if (fields == nil)
         return nullptr;
     const std::int64_t year = [fields yearOfCommonEra];

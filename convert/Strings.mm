@@ -2,7 +2,7 @@
 
 #include "bridge/CocoaStrings.h"
 #include "bridge/FolderItems.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 
 REALobjectStruct *newStringVariant(NSString *string) {
     StringReference text{CFString2RBString((CFStringRef)string)};

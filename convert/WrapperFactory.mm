@@ -1,7 +1,7 @@
 #include "convert/WrapperFactory.h"
 
 #include "frame/CocoaInit.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 
 #include <objc/runtime.h>
 

@@ -1,7 +1,7 @@
 #include "frame/CocoaTrap.h"
 
 #include "frame/FamilyHooks.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 
 void raiseInHost(NSException *exception) {
     NSString *name = [exception name];

@@ -1,6 +1,6 @@
 #include "frame/RaiseException.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/HostText.h"
 
 #include <cstring>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frame/CocoaBarrier.h"
 #include "frame/HostTypes.h"
 
 #include <cstdint>
@@ -16,12 +17,16 @@
 void RaiseException(const char *className, const char *message,
                     std::uint32_t encoding = HostEncoding::ascii, std::int64_t errorNumber = 0);
 
-// Runs body, which gives a pointer; a C++ exception in it becomes a host exception, and the result
+// Runs body, which gives a pointer; an exception in it becomes a host exception, and the result
 // null. The order counts: range errors are caught before the bases they share with other errors.
 template <class Body>
 auto withStandardExceptionsMapped(Body body) -> decltype(body()) {
+    decltype(body()) result = nullptr;
+    bool hasNoName = false;
+    const auto run = [&] { result = body(); };
     try {
-        return body();
+        hasNoName = throwsCocoaObject(
+            [](const void *argument) { (*static_cast<decltype(&run)>(argument))(); }, &run);
     } catch (const std::bad_alloc &) {
         RaiseException("OutOfMemoryException", "Failed to allocate memory.");
     } catch (const std::range_error &error) {
@@ -41,7 +46,9 @@ auto withStandardExceptionsMapped(Body body) -> decltype(body()) {
     } catch (const std::exception &error) {
         RaiseException("RuntimeException", error.what());
     } catch (...) {
-        RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+        hasNoName = true;
     }
-    return nullptr;
+    if (hasNoName)
+        RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+    return result;
 }

@@ -2,7 +2,7 @@
 
 #include "bridge/CocoaStrings.h"
 #include "frame/CocoaTrap.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "processinfo/WrappedObject.h"
 
 namespace processinfo {

@@ -3,7 +3,7 @@
 #include "bridge/CocoaStrings.h"
 #include "frame/CocoaInit.h"
 #include "frame/CocoaTrap.h"
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
 #include "frame/RaiseException.h"
 #include "processinfo/WrappedObject.h"
 

@@ -1,5 +1,7 @@
 #include "CoreFoundationSpy.h"
 
+#include "CoreFoundationCalls.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdio>
@@ -44,6 +46,7 @@ std::string conversionArguments(CFIndex size, CFStringEncoding encoding) {
 
 CFIndex CFStringGetLength(CFStringRef string) {
     static const auto original = next(&CFStringGetLength, "CFStringGetLength");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringGetLength");
     if (note(__builtin_return_address(0), "CFStringGetLength") && watch.length)
         return *watch.length;
     return original(string);
@@ -52,6 +55,7 @@ CFIndex CFStringGetLength(CFStringRef string) {
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex size,
                            CFStringEncoding encoding) {
     static const auto original = next(&CFStringGetCString, "CFStringGetCString");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringGetCString");
     if (note(__builtin_return_address(0), "CFStringGetCString",
              conversionArguments(size, encoding)) &&
         watch.refusesConversion)
@@ -61,18 +65,21 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex size,
 
 const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key) {
     static const auto original = next(&CFDictionaryGetValue, "CFDictionaryGetValue");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFDictionaryGetValue");
     note(__builtin_return_address(0), "CFDictionaryGetValue");
     return original(dictionary, key);
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void *key, const void *value) {
     static const auto original = next(&CFDictionarySetValue, "CFDictionarySetValue");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFDictionarySetValue");
     note(__builtin_return_address(0), "CFDictionarySetValue");
     original(dictionary, key, value);
 }
 
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void *key) {
     static const auto original = next(&CFDictionaryRemoveValue, "CFDictionaryRemoveValue");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFDictionaryRemoveValue");
     note(__builtin_return_address(0), "CFDictionaryRemoveValue");
     original(dictionary, key);
 }

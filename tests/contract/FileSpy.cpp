@@ -1,5 +1,6 @@
 #include "FileSpy.h"
 
+#include "CoreFoundationCalls.h"
 #include "CoreFoundationSpy.h"
 #include "host/Host.h"
 
@@ -126,6 +127,7 @@ std::string shown(const void *output, const char *name) {
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef *ref) {
     static const auto original = next(&CFURLGetFSRef, "CFURLGetFSRef");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFURLGetFSRef");
     const Call call(__builtin_return_address(0), "CFURLGetFSRef", nameOf(url));
     const Boolean found = !call.isRefused() && original(url, ref);
     call.result(found ? "true" : "false");
@@ -135,6 +137,8 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef *ref) {
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef allocator, CFURLRef url) {
     static const auto original =
         next(&CFURLCreateCopyDeletingLastPathComponent, "CFURLCreateCopyDeletingLastPathComponent");
+    CoreFoundationCalls::tell(__builtin_return_address(0),
+                              "CFURLCreateCopyDeletingLastPathComponent");
     const Call call(__builtin_return_address(0), "CFURLCreateCopyDeletingLastPathComponent",
                     nameOf(allocator) + ", " + nameOf(url));
     return call.created(call.isRefused() ? nullptr : original(allocator, url), "parent");
@@ -142,6 +146,7 @@ CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef allocator, CFUR
 
 CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
     static const auto original = next(&CFURLCopyLastPathComponent, "CFURLCopyLastPathComponent");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFURLCopyLastPathComponent");
     const Call call(__builtin_return_address(0), "CFURLCopyLastPathComponent", nameOf(url));
     return call.created(call.isRefused() ? nullptr : original(url), "component");
 }
@@ -149,6 +154,7 @@ CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex maxLength,
                                              CFStringRef string) {
     static const auto original = next(&CFStringCreateMutableCopy, "CFStringCreateMutableCopy");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringCreateMutableCopy");
     const Call call(__builtin_return_address(0), "CFStringCreateMutableCopy",
                     nameOf(allocator) + ", " + std::to_string(maxLength) + ", " + nameOf(string));
     return call.created(call.isRefused() ? nullptr : original(allocator, maxLength, string),
@@ -157,6 +163,7 @@ CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex m
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {
     static const auto original = next(&CFStringNormalize, "CFStringNormalize");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringNormalize");
     const Call call(__builtin_return_address(0), "CFStringNormalize",
                     nameOf(string) + ", " + std::to_string(form));
     original(string, form);
@@ -164,6 +171,7 @@ void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form
 
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar *buffer) {
     static const auto original = next(&CFStringGetCharacters, "CFStringGetCharacters");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringGetCharacters");
     const Call call(__builtin_return_address(0), "CFStringGetCharacters",
                     nameOf(string) + ", " + std::to_string(range.location) + ", " +
                         std::to_string(range.length));
@@ -172,6 +180,7 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar *buffer) {
 
 CFTypeRef CFRetain(CFTypeRef object) {
     static const auto original = next(&CFRetain, "CFRetain");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFRetain");
     const Call call(__builtin_return_address(0), "CFRetain", nameOf(object));
     if (call.isWatched())
         countReferences(object, 1);
@@ -180,6 +189,8 @@ CFTypeRef CFRetain(CFTypeRef object) {
 
 void CFRelease(CFTypeRef object) {
     static const auto original = next(&CFRelease, "CFRelease");
+    if (!CoreFoundationCalls::tell(__builtin_return_address(0), "CFRelease"))
+        return;
     const Call call(__builtin_return_address(0), "CFRelease", nameOf(object));
     if (call.isWatched())
         countReferences(object, -1);

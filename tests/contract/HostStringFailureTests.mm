@@ -251,6 +251,26 @@ TEST(HostStringNotYetLocked, LeavesNothingToUnlock) {
     EXPECT_EQ(scene.host.services().calls("REALUnlockString"), 0u);
 }
 
+TEST(HostStringThatCannotBeUnlocked, LeavesNoCocoaStringBehind) {
+    const OwnObject<TracedObject> made;
+    made->name = "made";
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.creation.answer([made retain]);
+    scene.host.services().fail("REALUnlockString", [] { throwOf(Kind::standard); });
+    for (const std::uint32_t encoding : {host::encoding::utf8, host::encoding::unknown}) {
+        EXPECT_EQ(standardExceptionFrom([&] { scene.convertBytes("abc", encoding); }),
+                  "on the way");
+        EXPECT_EQ(scene.host.calls().back(), "[made release]");
+        scene.creation.answer([made retain]);
+    }
+    [made release];
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(),
+                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released"),
+                            testing::StartsWith("String#2 leaked, 1 reference never released")));
+}
+
 TEST(HostStringThatCannotBeUnlocked, LetsTheExceptionOut) {
     HostStringScene scene;
     scene.handOutNoCFString();

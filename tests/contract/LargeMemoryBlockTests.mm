@@ -1,5 +1,6 @@
 // Memory blocks of 2 GB and more, made by the host class's own constructor under the host's guard.
 
+#include "Caught.h"
 #import "MemoryBlockScene.h"
 #include "RepeatedMemory.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -41,6 +43,12 @@ void *pointerToDestination(host::ObjectHandle) {
 host::ObjectHandle guardWithException(void (*callback)(void *), void *argument) {
     callback(argument);
     return host::Host::current().newInstance("RuntimeException").release();
+}
+
+/// A guard that fails when its callback has made the block.
+host::ObjectHandle guardThrowingLate(void (*callback)(void *), void *argument) {
+    callback(argument);
+    throw std::runtime_error("late");
 }
 
 } // namespace
@@ -162,6 +170,14 @@ TEST(LargeMemoryBlock, CountsWhateverTheGuardFoundRaised) {
     ASSERT_NE(released + 1, calls.end());
     EXPECT_EQ(released[1], "newMemoryBlock(4) = MemoryBlock#3") << "the block goes on being filled";
     scene.expectOutOfMemory(leastLargeSize);
+    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
+}
+
+TEST(LargeMemoryBlock, IsReleasedWhenTheGuardThrowsAfterIt) {
+    LargeScene scene;
+    scene.host.services().replace("PluginCallFunctionWithExceptionHandler", guardThrowingLate);
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(leastLargeSize); }), "late");
+    EXPECT_EQ(scene.hostCalls().back(), "REALUnlockObject(MemoryBlock#1)");
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
 }
 

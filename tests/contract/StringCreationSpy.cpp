@@ -1,5 +1,6 @@
 #include "StringCreationSpy.h"
 
+#include "CoreFoundationCalls.h"
 #include "TraceLines.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -53,6 +54,7 @@ Function *next(Function *, const char *name) {
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8 *bytes, CFIndex count,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation) {
     static const auto original = next(&CFStringCreateWithBytes, "CFStringCreateWithBytes");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringCreateWithBytes");
     if (isWatched(__builtin_return_address(0))) {
         note("CFStringCreateWithBytes", allocator,
              shown(bytes, count) + ", " + std::to_string(count) + ", " + shown(encoding) +
@@ -67,6 +69,7 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar
                                          CFIndex count) {
     static const auto original =
         next(&CFStringCreateWithCharacters, "CFStringCreateWithCharacters");
+    CoreFoundationCalls::tell(__builtin_return_address(0), "CFStringCreateWithCharacters");
     if (isWatched(__builtin_return_address(0))) {
         note("CFStringCreateWithCharacters", allocator,
              (characters == nullptr ? "nil, " : "pointer, ") + std::to_string(count));

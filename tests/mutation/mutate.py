@@ -134,7 +134,7 @@ def statements(code):
 
 DECLARATION = re.compile(
     r"(return|using|static|constexpr|inline|extern|explicit|break|continue|case|const \w|[\w:<>*]+ \*?&?\w+( =|\{|;)"
-    r"|std::\w+(<.*>)? \w+|auto |[\w ]+ \*?\(\*\w+\)\(|virtual|~|@|template|struct|enum|\w+ \w+\(.*\) (const|=)|HostReference)")
+    r"|std::\w+(<.*>)? \w+|auto |[\w ]+ \*?\(\*\w+\)\(|virtual|~|@|template|struct|enum|\w+ \w+\(.*\) (const|=)|HeldUntilReset)")
 
 
 def deleted_statements(path, text):
