@@ -4,12 +4,14 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 namespace {
 
 constexpr CFIndex largestStackLength = 99; // UTF-16 units
 constexpr CFIndex bytesPerUnit = 6;
+constexpr CFIndex largestLength = std::numeric_limits<CFIndex>::max() / bytesPerUnit;
 constexpr CFIndex stackCapacity = 600;
 
 struct Free {
@@ -29,7 +31,7 @@ REALstringStruct *CFString2RBString(CFStringRef string) {
     if (string == nullptr)
         return nullptr;
     const CFIndex length = CFStringGetLength(string);
-    if (length <= 0)
+    if (length <= 0 || length > largestLength)
         return nullptr;
 
     if (length <= largestStackLength) {

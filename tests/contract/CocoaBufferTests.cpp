@@ -109,6 +109,31 @@ TEST_F(CocoaBuffer, IsNotNeededForALengthOfZeroOrLess) {
     EXPECT_THAT(loaded.host.trace(), IsEmpty());
 }
 
+TEST_F(CocoaBuffer, IsNotAllocatedForALengthThatNoTextHas) {
+    constexpr long largest = std::numeric_limits<long>::max() / 6;
+    // Six times the second one is 2 for an unsigned number of 64 bits.
+    for (const long length :
+         {largest + 1, 0x2AAA'AAAA'AAAA'AAAB, std::numeric_limits<long>::max()}) {
+        CoreFoundationSpy foundation(loaded.image);
+        foundation.answerLength(length);
+        const AllocationSpy spy(loaded.image);
+        EXPECT_EQ(convert(onHeap).handle(), nullptr);
+        EXPECT_THAT(foundation.calls(), ElementsAre("CFStringGetLength"));
+        EXPECT_THAT(spy.sizes(), IsEmpty());
+    }
+    EXPECT_THAT(loaded.host.trace(), IsEmpty());
+}
+
+TEST_F(CocoaBuffer, OfALengthThatOnlyMemoryForbidsIsAskedFor) {
+    constexpr long largest = std::numeric_limits<long>::max() / 6;
+    CoreFoundationSpy foundation(loaded.image);
+    foundation.answerLength(largest);
+    AllocationSpy spy(loaded.image);
+    spy.failAll();
+    EXPECT_EQ(convert(onHeap).handle(), nullptr);
+    EXPECT_THAT(spy.sizes(), ElementsAre(6 * static_cast<std::size_t>(largest)));
+}
+
 TEST_F(CocoaBuffer, IsFreedWhenTheHostCannotBuildStrings) {
     loaded.host.services().hide("REALBuildString");
     const AllocationSpy spy(loaded.image);
