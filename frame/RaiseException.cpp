@@ -5,13 +5,32 @@
 
 #include <cstring>
 
-void RaiseException(const char *className, const char *message, std::uint32_t, std::int64_t) {
-    StringReference text{
-        message != nullptr
-            ? REALBuildUnicodeString(message, static_cast<std::int64_t>(std::strlen(message)),
-                                     HostEncoding::ascii)
-            : nullptr};
+namespace {
 
+// Building the message can fail, which is reported, with a message. Where that fails every time,
+// the report this deep has none; any fewer failures in a row are all told.
+constexpr int deepestReport = 16;
+constinit int messagesUnderWay = 0;
+
+struct MessageUnderWay {
+    MessageUnderWay() { ++messagesUnderWay; }
+    ~MessageUnderWay() { --messagesUnderWay; }
+    MessageUnderWay(const MessageUnderWay &) = delete;
+    MessageUnderWay &operator=(const MessageUnderWay &) = delete;
+};
+
+REALstringStruct *newMessage(const char *text) {
+    if (text == nullptr || messagesUnderWay == deepestReport)
+        return nullptr;
+    const MessageUnderWay underWay;
+    return REALBuildUnicodeString(text, static_cast<std::int64_t>(std::strlen(text)),
+                                  HostEncoding::ascii);
+}
+
+} // namespace
+
+void RaiseException(const char *className, const char *message, std::uint32_t, std::int64_t) {
+    StringReference text{newMessage(message)};
     REALobjectStruct *made = REALnewInstance(className);
     if (made == nullptr)
         made = REALnewInstance("RuntimeException");

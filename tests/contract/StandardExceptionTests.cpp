@@ -150,6 +150,47 @@ TEST_P(StandardExceptionMapping, RaisesOnceAndReleasesWhatItMade) {
 INSTANTIATE_TEST_SUITE_P(Of, StandardExceptionMapping, testing::ValuesIn(mappingCases),
                          [](const auto &tested) { return tested.param.name; });
 
+namespace {
+
+/// What was raised, in order: the last is pending.
+std::vector<host::RaisedException> allRaised(host::Host &host) {
+    std::vector<host::RaisedException> all = host.strayExceptions();
+    if (auto last = host.takePendingException())
+        all.push_back(std::move(*last));
+    return all;
+}
+
+} // namespace
+
+// The report of a failure is built as text too. A failure of that is reported in turn, and so on.
+TEST_P(StandardExceptionMapping, EndsWhereTheMessagesFailEveryTime) {
+    text_.host.services().fail("REALBuildString", GetParam().thrower);
+    EXPECT_EQ(text_.build(), nullptr);
+    const auto raised = allRaised(text_.host);
+    EXPECT_EQ(raised.size(), 17u);
+    for (const host::RaisedException &each : raised) {
+        EXPECT_EQ(each.className, GetParam().className);
+        EXPECT_EQ(each.message, std::nullopt);
+    }
+    // And is forgotten.
+    text_.host.services().restore("REALBuildString");
+    text_.build();
+    EXPECT_EQ(text_.host.takePendingException()->message, GetParam().message);
+}
+
+TEST_P(StandardExceptionMapping, TellsOfSixteenFailuresInARowWithTheLastOnesMessage) {
+    int failures = 15;
+    text_.host.services().fail("REALBuildString", [&] {
+        if (failures-- > 0)
+            GetParam().thrower();
+    });
+    text_.build();
+    const auto raised = allRaised(text_.host);
+    ASSERT_EQ(raised.size(), 16u);
+    EXPECT_EQ(raised.front().message, GetParam().message);
+    EXPECT_EQ(raised.back().message, std::nullopt);
+}
+
 TEST(StandardExceptions, AreRaisedInTheOrderOfRaiseException) {
     GuardedText text;
     text.fail(throwing<std::length_error>("length"));
