@@ -9,12 +9,10 @@
 
 namespace processinfo {
 
-// Retains the object for the instance and makes the instance its wrapper in the family's registry,
-// instead of any earlier one.
-static void bind(REALobjectStruct *instance, NSProcessInfo *object) {
-    NSProcessInfo *wrapped = wrappedObject(instance) = [object retain];
-    if (wrapped != nil && instances != nullptr)
-        CFDictionarySetValue(instances, wrapped, instance);
+// Makes the instance the object's wrapper in the family's registry, instead of any earlier one.
+static void enter(NSProcessInfo *object, REALobjectStruct *instance) {
+    if (instances != nullptr)
+        CFDictionarySetValue(instances, object, instance);
 }
 
 void NSProcessInfoConstructor(REALobjectStruct *) {
@@ -28,7 +26,11 @@ void Constructor(REALobjectStruct *instance) {
                        "Constructor called too often. Object is already initialized.");
         return;
     }
-    trapCocoaExceptions([&] { bind(instance, [NSProcessInfo processInfo]); });
+    trapCocoaExceptions([&] {
+        NSProcessInfo *wrapped = wrappedObject(instance) = [[NSProcessInfo processInfo] retain];
+        if (wrapped != nil)
+            enter(wrapped, instance);
+    });
 }
 
 REALobjectStruct *processInfo() {
@@ -40,8 +42,10 @@ REALobjectStruct *processInfo() {
         if (REALobjectStruct *known = registeredWrapper(shared))
             return known;
         ObjectReference instance{REALnewInstance("NSProcessInfoZKT")};
-        if (instance)
-            bind(instance.get(), shared);
+        if (instance) {
+            wrappedObject(instance.get()) = [shared retain];
+            enter(shared, instance.get()); // whatever retain answered
+        }
         return instance.handOver();
     });
 }

@@ -7,6 +7,8 @@
 
 #include "host/family/Siblings.h"
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <gmock/gmock.h>
 
 using host::ObjectHandle;
@@ -47,6 +49,24 @@ TEST(ProcessInfo, EntersANewInstanceIntoTheRegistry) {
     const auto instance = sharedInstance(loaded.host);
     EXPECT_EQ(host::siblings::registered([NSProcessInfo processInfo]), instance.handle());
     EXPECT_EQ(host::siblings::registryCount(), 1u);
+}
+
+TEST(ProcessInfo, EntersANewInstanceUnderTheSharedObjectWhateverRetainAnswers) {
+    LoadedPlugin loaded;
+    const OwnObject<ProcessInfoDouble> retained;
+    for (const id answer : {static_cast<id>(retained), static_cast<id>(nil)}) {
+        const OwnObject<AnotherWhenRetained> shared;
+        shared->another = answer;
+        const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
+        const auto instance = sharedInstance(loaded.host);
+        EXPECT_EQ(handleOf(loaded.host, instance), (const void *)answer);
+        EXPECT_EQ(host::siblings::registered(shared), instance.handle());
+        EXPECT_EQ(host::siblings::registered(retained), nullptr);
+        EXPECT_EQ(host::siblings::registryCount(), 1u);
+        setHandle(loaded.host, instance, nullptr);
+        CFDictionaryRemoveValue(static_cast<CFMutableDictionaryRef>(host::siblings::registry()),
+                                shared);
+    }
 }
 
 TEST(ProcessInfo, SecondCallGivesTheSameInstanceWithOneMoreReference) {
