@@ -2,7 +2,8 @@
 add_library(NSProcessInfoZKT MODULE)
 target_include_directories(NSProcessInfoZKT PRIVATE ${CMAKE_SOURCE_DIR})
 target_link_libraries(NSProcessInfoZKT PRIVATE project_warnings)
-target_compile_options(NSProcessInfoZKT PRIVATE -fvisibility=hidden -fvisibility-inlines-hidden)
+target_compile_options(NSProcessInfoZKT PRIVATE
+    -fvisibility=hidden -fvisibility-inlines-hidden -Wunguarded-availability)
 set_target_properties(NSProcessInfoZKT PROPERTIES PREFIX "")
 
 if(APPLE)

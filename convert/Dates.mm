@@ -1,6 +1,9 @@
 #include "convert/Values.h"
 
-#include "frame/HostReference.h"
+#include "frame/HeldUntilReset.h"
+
+// Calendar dates are deprecated since macOS 10.4, their fields since 10.10.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace {
 

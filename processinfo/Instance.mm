@@ -50,12 +50,16 @@ REALobjectStruct *processInfo() {
     });
 }
 
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wunguarded-availability"
+#pragma clang diagnostic ignored "-Wtautological-pointer-compare" // built for newer systems only
 REALstringStruct *getNSProcessInfoThermalStateDidChangeNotification() {
     // Linked weakly: macOS has the name since 10.10.3.
     if (&NSProcessInfoThermalStateDidChangeNotification == nullptr)
         return nullptr;
     return CFString2RBString((CFStringRef)NSProcessInfoThermalStateDidChangeNotification);
 }
+#pragma clang diagnostic pop
 
 REALobjectStruct *DummyException(REALobjectStruct *) {
     return nullptr;

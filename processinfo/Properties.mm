@@ -5,6 +5,9 @@
 #include "frame/CocoaTrap.h"
 #include "processinfo/WrappedObject.h"
 
+// Two of the messages are deprecated; what they answer is part of the class all the same.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 // A message to nil answers zero, nil or 0.0, which is what a property of an unbound instance reads:
 // only what must not be asked of nil is tested.
 namespace processinfo {
@@ -23,7 +26,10 @@ std::int64_t thermalState(REALobjectStruct *instance, std::intptr_t) {
     return trapCocoaExceptions<std::int64_t>(-1, [&]() -> std::int64_t {
         if (![wrapped respondsToSelector:@selector(thermalState)])
             return -1;
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wunguarded-availability"
         return [wrapped thermalState];
+#pragma clang diagnostic pop
     });
 }
 
