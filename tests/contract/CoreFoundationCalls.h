@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/Image.h"
+#include "host/image/Image.h"
 
 #include <functional>
 #include <string_view>

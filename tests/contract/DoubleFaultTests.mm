@@ -10,7 +10,7 @@
 #import "FaultMatrixScene.h"
 #include "MessageSpy.h"
 
-#include "host/Services.h"
+#include "host/services/Services.h"
 
 #include <gtest/gtest.h>
 
