@@ -2,9 +2,7 @@
 
 #include "host/Host.h"
 #include "host/classes/ClassTable.h"
-
-#include <llvm/Support/JSON.h>
-#include <llvm/Support/raw_ostream.h>
+#include "host/core/Json.h"
 
 #include <algorithm>
 #include <array>
@@ -106,73 +104,56 @@ std::string asMarkdown(const std::vector<const HostClass *> &classes) {
     return text.empty() ? "No classes.\n" : text;
 }
 
-void writeMethods(llvm::json::OStream &json, const char *title,
-                  const std::vector<Method> &methods) {
-    json.attributeArray(title, [&] {
-        for (const Method &method : methods)
-            json.object([&] {
-                json.attribute("declaration", method.declaration);
-                json.attribute("name", method.parsed.name);
-                json.attributeArray("parameters", [&] {
-                    for (const Parameter &parameter : method.parsed.parameters)
-                        json.object([&] {
-                            json.attribute("name", parameter.name);
-                            json.attribute("type", describe(parameter.type));
-                        });
-                });
-                json.attribute("result", method.parsed.result
-                                             ? llvm::json::Value(describe(*method.parsed.result))
-                                             : llvm::json::Value(nullptr));
-                json.attribute("flags", method.flags);
-            });
-    });
+Json methodsAsJson(const std::vector<Method> &methods) {
+    Json array = Json::array();
+    for (const Method &method : methods) {
+        Json parameters = Json::array();
+        for (const Parameter &parameter : method.parsed.parameters)
+            parameters.push_back({{"name", parameter.name}, {"type", describe(parameter.type)}});
+        array.push_back(
+            {{"declaration", method.declaration},
+             {"name", method.parsed.name},
+             {"parameters", std::move(parameters)},
+             {"result", method.parsed.result ? Json(describe(*method.parsed.result)) : Json()},
+             {"flags", method.flags}});
+    }
+    return array;
 }
 
-void writeClass(llvm::json::OStream &json, const HostClass &type) {
+Json classAsJson(const HostClass &type) {
     const PluginClassRecord &record = *type.record;
-    json.attribute("name", type.name);
-    json.attribute("superclass", type.superclass == nullptr
-                                     ? llvm::json::Value(nullptr)
-                                     : llvm::json::Value(type.superclass->name));
-    json.attribute("interfaceVersion", record.version);
-    json.attribute("dataSize", record.dataSize);
-    json.attribute("dataOffset", record.dataOffset);
-    json.attribute("flags", record.flags);
-    json.attribute("constructor", record.constructor != nullptr);
-    json.attribute("destructor", record.destructor != nullptr);
-    json.attributeArray("properties", [&] {
-        for (const Property &property : type.properties)
-            json.object([&] {
-                json.attribute("name", property.name);
-                json.attribute("type", describe(property.type));
-                json.attribute("writable", property.isWritable());
-                json.attribute("fieldOffset", property.isField()
-                                                  ? llvm::json::Value(property.parameter)
-                                                  : llvm::json::Value(nullptr));
-                json.attribute("flags", property.flags);
-            });
-    });
-    writeMethods(json, "methods", type.methods);
-    writeMethods(json, "sharedMethods", type.sharedMethods);
-    json.attributeArray("constants", [&] {
-        for (const Constant &constant : type.constants)
-            json.object([&] {
-                json.attribute("declaration", constant.declaration);
-                json.attribute("name", constant.name);
-                json.attribute("value", constant.value);
-            });
-    });
+    Json properties = Json::array();
+    for (const Property &property : type.properties)
+        properties.push_back(
+            {{"name", property.name},
+             {"type", describe(property.type)},
+             {"writable", property.isWritable()},
+             {"fieldOffset", property.isField() ? Json(property.parameter) : Json()},
+             {"flags", property.flags}});
+    Json constants = Json::array();
+    for (const Constant &constant : type.constants)
+        constants.push_back({{"declaration", constant.declaration},
+                             {"name", constant.name},
+                             {"value", constant.value}});
+    return {{"name", type.name},
+            {"superclass", type.superclass == nullptr ? Json() : Json(type.superclass->name)},
+            {"interfaceVersion", record.version},
+            {"dataSize", record.dataSize},
+            {"dataOffset", record.dataOffset},
+            {"flags", record.flags},
+            {"constructor", record.constructor != nullptr},
+            {"destructor", record.destructor != nullptr},
+            {"properties", std::move(properties)},
+            {"methods", methodsAsJson(type.methods)},
+            {"sharedMethods", methodsAsJson(type.sharedMethods)},
+            {"constants", std::move(constants)}};
 }
 
 std::string asJson(const std::vector<const HostClass *> &classes) {
-    std::string text;
-    llvm::raw_string_ostream stream(text);
-    llvm::json::OStream json(stream, 2);
-    json.array([&] {
-        for (const HostClass *type : classes)
-            json.object([&] { writeClass(json, *type); });
-    });
-    return text + '\n';
+    Json array = Json::array();
+    for (const HostClass *type : classes)
+        array.push_back(classAsJson(*type));
+    return jsonText(array);
 }
 
 } // namespace

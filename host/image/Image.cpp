@@ -3,11 +3,12 @@
 #include "host/core/Trace.h"
 #include "host/image/ImageFiles.h"
 
-#include <llvm/Demangle/Demangle.h>
+#include <cxxabi.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -63,6 +64,15 @@ std::string firstBytes(const fs::path &file) {
     return {bytes.data(), static_cast<std::size_t>(stream.gcount())};
 }
 
+/// As the compiler's names are written in sources; other names as they are.
+std::string demangled(const std::string &name) {
+    if (!name.starts_with("_Z"))
+        return name;
+    const std::unique_ptr<char, decltype(&std::free)> readable(
+        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, nullptr), &std::free);
+    return readable ? readable.get() : name;
+}
+
 bool startsLikeMachO(std::string_view bytes) {
     // Thin files of both widths and byte orders, and files for several processors.
     constexpr std::array<std::string_view, 6> magics{"\xCF\xFA\xED\xFE", "\xCE\xFA\xED\xFE",
@@ -86,7 +96,7 @@ void *Image::symbolDemangled(std::string_view name) const {
     void *found = nullptr;
     bool several = false;
     for (const ImageSymbol &candidate : symbols()) {
-        const std::string readable = llvm::demangle(candidate.name);
+        const std::string readable = demangled(candidate.name);
         if (readable == name)
             return candidate.address;
         if (readable.starts_with(withParameters)) {

@@ -2,11 +2,10 @@
 
 #include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"
+#include "host/language/EditDistance.h"
 #include "host/language/Names.h"
 #include "host/zkthost/Expression.h"
 #include "host/zkthost/Options.h"
-
-#include <llvm/ADT/StringRef.h>
 
 #include <algorithm>
 #include <utility>
@@ -68,7 +67,7 @@ std::vector<std::string> memberNames(const HostClass &type, bool ofInstances) {
 
     const std::vector<std::string> names = memberNames(type, ofInstances);
     const auto distance = [&](const std::string &name) {
-        return llvm::StringRef(foldedName(name)).edit_distance(foldedName(member.name));
+        return editDistance(foldedName(name), foldedName(member.name));
     };
     const auto nearest = std::ranges::min_element(names, {}, distance);
     throw InputError(type.name + " has no member " + member.name +

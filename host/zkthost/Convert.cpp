@@ -5,8 +5,6 @@
 #include "host/zkthost/Report.h"
 #include "host/zkthost/ValueTree.h"
 
-#include <llvm/Support/raw_ostream.h>
-
 #include <cstdint>
 
 namespace zkthost {
@@ -49,14 +47,7 @@ Conversion convert(Host &host, const Image &image, const CocoaSource &source) {
 }
 
 std::string conversionAsJson(const Conversion &conversion, const Account &account) {
-    std::string text;
-    llvm::raw_string_ostream stream(text);
-    llvm::json::OStream json(stream, 2);
-    json.object([&] {
-        json.attribute("value", conversion.json);
-        json.attributeObject("account", [&] { writeAccount(json, account); });
-    });
-    return text + '\n';
+    return jsonText({{"value", conversion.json}, {"account", accountAsJson(account)}});
 }
 
 } // namespace zkthost

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "host/Host.h"
+#include "host/core/Json.h"
 #include "host/zkthost/CocoaSource.h"
-
-#include <llvm/Support/JSON.h>
 
 #include <string>
 
@@ -12,7 +11,7 @@ namespace zkthost {
 /// What the plug-in made of a Cocoa object, in words: it outlives the host's objects.
 struct Conversion {
     std::string text;
-    llvm::json::Value json = nullptr;
+    host::Json json = nullptr;
     bool raised = false; ///< the text tells the host exception
 };
 

@@ -5,11 +5,8 @@
 #include "host/language/Names.h"
 #include "host/zkthost/Columns.h"
 
-#include <llvm/Support/JSON.h>
-#include <llvm/Support/raw_ostream.h>
-
 #include <algorithm>
-#include <cmath>
+#include <map>
 
 namespace zkthost {
 
@@ -58,44 +55,40 @@ std::string textOf(const Value &value) {
     return describe(value);
 }
 
-llvm::json::Value jsonOf(const Value &value);
+Json jsonOf(const Value &value);
 
-llvm::json::Value jsonOf(ObjectHandle object) {
+Json jsonOf(ObjectHandle object) {
     const std::string type = Host::current().className(object);
     if (type == "Variant") {
         const Value content = variant(object).value;
-        return content.isNil() ? llvm::json::Value("") : jsonOf(content); // the null string
+        return content.isNil() ? Json("") : jsonOf(content); // the null string
     }
     if (type == "Array") {
-        llvm::json::Array array;
+        Json array = Json::array();
         for (const Value &element : arrayElements(object))
             array.push_back(jsonOf(element));
         return array;
     }
     if (type == "Dictionary") {
-        llvm::json::Object entries;
+        std::map<std::string, Json> entries;
         for (const auto &[key, entry] : dictionaryObjects(object))
-            entries[llvm::json::fixUTF8(textOf(key))] = jsonOf(entry);
+            entries[textOf(key)] = jsonOf(entry);
         return entries;
     }
     return Host::current().name(object);
 }
 
-llvm::json::Value jsonOf(const Value &value) {
+Json jsonOf(const Value &value) {
     struct Convert {
-        llvm::json::Value operator()(std::monostate) const { return nullptr; }
-        llvm::json::Value operator()(std::int64_t number) const { return number; }
-        llvm::json::Value operator()(std::uint64_t number) const { return number; }
-        llvm::json::Value operator()(bool truth) const { return truth; }
-        llvm::json::Value operator()(double number) const {
-            return std::isfinite(number) ? llvm::json::Value(number) : llvm::json::Value(nullptr);
+        Json operator()(std::monostate) const { return nullptr; }
+        Json operator()(std::int64_t number) const { return number; }
+        Json operator()(std::uint64_t number) const { return number; }
+        Json operator()(bool truth) const { return truth; }
+        Json operator()(double number) const { return number; }
+        Json operator()(const StringRef &string) const {
+            return Host::current().text(string.handle());
         }
-        llvm::json::Value operator()(const StringRef &string) const {
-            return llvm::json::fixUTF8(Host::current().text(string.handle()));
-        }
-        llvm::json::Value operator()(const ObjectRef &object) const {
-            return jsonOf(object.handle());
-        }
+        Json operator()(const ObjectRef &object) const { return jsonOf(object.handle()); }
     };
     return std::visit(Convert{}, static_cast<const ValueAlternatives &>(value));
 }
@@ -112,17 +105,14 @@ ReportRow rowOf(std::string name, std::string type, const Outcome &outcome) {
     return row;
 }
 
-void writeRows(llvm::json::OStream &json, const char *title, const std::vector<ReportRow> &rows) {
-    json.attributeArray(title, [&] {
-        for (const ReportRow &row : rows)
-            json.object([&] {
-                json.attribute("name", row.name);
-                json.attribute("type", row.type);
-                json.attribute("value", row.value);
-                if (row.exception)
-                    json.attribute("exception", llvm::json::fixUTF8(*row.exception));
-            });
-    });
+Json rowsAsJson(const std::vector<ReportRow> &rows) {
+    Json array = Json::array();
+    for (const ReportRow &row : rows) {
+        array.push_back({{"name", row.name}, {"type", row.type}, {"value", row.value}});
+        if (row.exception)
+            array.back()["exception"] = *row.exception;
+    }
+    return array;
 }
 
 std::vector<ReportRow> argumentsOf(Host &host, const ObjectRef &info) {
@@ -228,34 +218,27 @@ std::string reportAsText(const Report &report, bool colours) {
     return text;
 }
 
-void writeAccount(llvm::json::OStream &json, const Account &account) {
-    json.attribute("calls", account.calls);
-    json.attribute("liveObjects", account.liveObjects);
-    json.attribute("liveStrings", account.liveStrings);
-    json.attribute("leaks", account.leaks);
-    json.attribute("violations", account.violations);
+Json accountAsJson(const Account &account) {
+    return {{"calls", account.calls},
+            {"liveObjects", account.liveObjects},
+            {"liveStrings", account.liveStrings},
+            {"leaks", account.leaks},
+            {"violations", account.violations}};
 }
 
 std::string reportAsJson(const Report &report, const Account &account) {
-    std::string text;
-    llvm::raw_string_ostream stream(text);
-    llvm::json::OStream json(stream, 2);
-    json.object([&] {
-        json.attribute("class", std::string(className));
-        json.attribute("image", llvm::json::fixUTF8(report.image));
-        json.attribute("imageFormat", report.format);
-        json.attribute("hostVersion", report.hostVersion ? jsonOf(Value(*report.hostVersion))
-                                                         : llvm::json::Value(nullptr));
-        json.attribute("interfaceVersion", report.interfaceVersion);
-        json.attribute(sharedObject, llvm::json::fixUTF8(report.processInfo));
-        writeRows(json, "properties", report.properties);
-        writeRows(json, "arguments", report.arguments);
-        writeRows(json, "activity", report.activity);
-        writeRows(json, "sharedMethods", report.shared);
-        writeRows(json, "constants", report.constants);
-        json.attributeObject("account", [&] { writeAccount(json, account); });
-    });
-    return text + '\n';
+    return jsonText({{"class", className},
+                     {"image", report.image},
+                     {"imageFormat", report.format},
+                     {"hostVersion", report.hostVersion ? Json(*report.hostVersion) : Json()},
+                     {"interfaceVersion", report.interfaceVersion},
+                     {sharedObject, report.processInfo},
+                     {"properties", rowsAsJson(report.properties)},
+                     {"arguments", rowsAsJson(report.arguments)},
+                     {"activity", rowsAsJson(report.activity)},
+                     {"sharedMethods", rowsAsJson(report.shared)},
+                     {"constants", rowsAsJson(report.constants)},
+                     {"account", accountAsJson(account)}});
 }
 
 } // namespace zkthost

@@ -3,8 +3,7 @@
 // What a program of the host's language sees of its own process.
 
 #include "host/Host.h"
-
-#include <llvm/Support/JSON.h>
+#include "host/core/Json.h"
 
 #include <optional>
 #include <string>
@@ -17,7 +16,7 @@ struct ReportRow {
     std::string name;
     std::string type;
     std::string text;
-    llvm::json::Value value = nullptr;
+    host::Json value = nullptr;
     std::optional<std::string> exception = {}; ///< what was raised instead
 };
 
@@ -41,7 +40,6 @@ Report makeReport(host::Host &host, const host::Image &image);
 std::string reportAsText(const Report &report, bool colours);
 std::string reportAsJson(const Report &report, const host::Account &account);
 
-/// The account's numbers as attributes of the object that is being written.
-void writeAccount(llvm::json::OStream &json, const host::Account &account);
+host::Json accountAsJson(const host::Account &account);
 
 } // namespace zkthost

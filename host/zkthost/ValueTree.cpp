@@ -4,12 +4,9 @@
 #include "host/classes/Inspect.h"
 #include "host/core/Trace.h"
 
-#include <llvm/Support/raw_ostream.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstdio>
 
 namespace zkthost {
@@ -17,7 +14,6 @@ namespace zkthost {
 namespace {
 
 using namespace host;
-using Json = llvm::json::Value;
 
 constexpr std::size_t shownBytes = 16; // of a memory block
 
@@ -27,9 +23,7 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
 
 /// As JSON writes it: readable, and on one line whatever is in it.
 std::string quoted(const std::string &utf8) {
-    std::string text;
-    llvm::raw_string_ostream(text) << Json(llvm::json::fixUTF8(utf8));
-    return text;
+    return jsonLine(utf8);
 }
 
 std::string shortestSingle(double number) {
@@ -72,7 +66,7 @@ Leaf leafOf(const VariantContent &content) {
     const Value &value = content.value;
     switch (content.type) {
     case VariantType::string:
-        return {"String", quoted(value.text()), llvm::json::fixUTF8(value.text())};
+        return {"String", quoted(value.text()), value.text()};
     case VariantType::integer:
         return {"Integer", std::to_string(value.integer()), value.integer()};
     case VariantType::uint32:
@@ -86,7 +80,7 @@ Leaf leafOf(const VariantContent &content) {
     const bool isSingle = content.type == VariantType::single;
     const double number = value.number();
     return {isSingle ? "Single" : "Double", isSingle ? shortestSingle(number) : shortest(number),
-            std::isfinite(number) ? Json(number) : Json(nullptr)};
+            number};
 }
 
 struct Entry {
@@ -143,17 +137,17 @@ std::vector<Entry> sortedEntries(ObjectHandle dictionary) {
 }
 
 Json arrayAsJson(ObjectHandle array) {
-    llvm::json::Array elements;
+    Json elements = Json::array();
     for (const Value &element : arrayObjects(array))
         elements.push_back(treeAsJson(element));
     return elements;
 }
 
 Json entriesAsJson(ObjectHandle dictionary) {
-    llvm::json::Array entries;
+    Json entries = Json::array();
     for (const Entry &entry : sortedEntries(dictionary))
-        entries.push_back(llvm::json::Object{{"key", treeAsJson(entry.keyValue)},
-                                             {"value", treeAsJson(entry.value)}});
+        entries.push_back(
+            {{"key", treeAsJson(entry.keyValue)}, {"value", treeAsJson(entry.value)}});
     return entries;
 }
 
@@ -170,7 +164,8 @@ Json treeAsJson(const Value &value) {
     if (object.handle() == nullptr)
         return nullptr;
     const std::string type = Host::current().className(object);
-    llvm::json::Object json{{"type", type}};
+    Json json = Json::object();
+    json["type"] = type;
     if (type == "Variant") {
         Leaf leaf = leafOf(variant(object));
         json["type"] = leaf.type;
@@ -185,7 +180,7 @@ Json treeAsJson(const Value &value) {
         json["size"] = memoryBlockSize(object);
         json["bytes"] = firstBytes(object, "");
     } else if (type == "FolderItem") {
-        json["path"] = llvm::json::fixUTF8(folderItem(object).path.string());
+        json["path"] = folderItem(object).path.string();
     }
     return json;
 }

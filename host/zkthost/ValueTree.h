@@ -2,9 +2,8 @@
 
 // A host value with everything in it.
 
+#include "host/core/Json.h"
 #include "host/language/Value.h"
-
-#include <llvm/Support/JSON.h>
 
 #include <string>
 
@@ -24,6 +23,6 @@ std::string treeAsText(const host::Value &value);
 /// "entries": [{"key": ..., "value": ...}]}, {"type": "MemoryBlock", "size": 5, "bytes":
 /// "68656C6C6F"}, {"type": "FolderItem", "path": "/usr"}; nil is null. Other objects have a type
 /// alone.
-llvm::json::Value treeAsJson(const host::Value &value);
+host::Json treeAsJson(const host::Value &value);
 
 } // namespace zkthost
