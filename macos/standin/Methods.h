@@ -14,7 +14,9 @@ void replaceMethod(Class cls, const char *selector, Result (*function)(id, SEL, 
     // By way of the function type that converts to any other.
     const auto imp = reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(function));
     const SEL name = sel_registerTypedName(selector, types);
-    class_replaceMethod(cls, name, imp, types);
+    if (!class_addMethod(cls, name, imp, types)) { // which leaves what the class inherits alone
+        method_setImplementation(class_getInstanceMethod(cls, name), imp);
+    }
     // The runtime leaves an existing method the type code of its old function.
     method_getDescription(class_getInstanceMethod(cls, name))->types = const_cast<char *>(types);
 }

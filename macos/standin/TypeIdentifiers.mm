@@ -5,6 +5,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreText/CoreText.h>
 
+#include "Methods.h"
 #include "Misuse.h"
 
 #include <cstdint>
@@ -12,23 +13,29 @@
 namespace {
 
 enum Type : std::uint8_t {
-    rootType = 1, // an object of no Core Foundation type of its own
+    rootType = 1, // of an object without a Core Foundation type of its own
     arrayType,
     attributedStringType,
     bagType,
     booleanType,
     bundleType,
+    calendarType,
     characterSetType,
     dataType,
     dateType,
     dictionaryType,
     errorType,
+    localeType,
+    nullType,
     numberType,
+    readStreamType,
+    runLoopTimerType,
     setType,
     stringType,
     timeZoneType,
     urlType,
     uuidType,
+    writeStreamType,
     fontType,
     fontCollectionType,
     frameType,
@@ -41,31 +48,41 @@ enum Type : std::uint8_t {
     typesetterType,
 };
 
-// The classes whose objects are Core Foundation objects too. No class is a subclass of another.
-CFTypeID typeOfClassCluster(id object) {
-    const struct {
-        Class cluster;
-        Type type;
-    } bridged[] = {
-        {.cluster = [NSString class], .type = stringType},
-        {.cluster = [NSNumber class], .type = numberType},
-        {.cluster = [NSDictionary class], .type = dictionaryType},
-        {.cluster = [NSArray class], .type = arrayType},
-        {.cluster = [NSData class], .type = dataType},
-        {.cluster = [NSURL class], .type = urlType},
-        {.cluster = [NSDate class], .type = dateType},
-        {.cluster = [NSSet class], .type = setType},
-        {.cluster = [NSCharacterSet class], .type = characterSetType},
-        {.cluster = [NSTimeZone class], .type = timeZoneType},
-        {.cluster = [NSAttributedString class], .type = attributedStringType},
-        {.cluster = [NSError class], .type = errorType},
-    };
-    for (const auto &row : bridged) {
-        if ([object isKindOfClass:row.cluster]) {
-            return row.type;
-        }
-    }
-    return rootType;
+// The types of Foundation's classes whose objects are Core Foundation objects too. No class is a
+// subclass of another.
+struct BridgedClass {
+    const char *name;
+    CFTypeID (*answer)(id, SEL);
+};
+
+template <Type type>
+CFTypeID answer(id, SEL) {
+    return type;
+}
+
+constexpr BridgedClass bridgedClasses[] = {
+    {.name = "NSArray", .answer = answer<arrayType>},
+    {.name = "NSAttributedString", .answer = answer<attributedStringType>},
+    {.name = "NSCalendar", .answer = answer<calendarType>},
+    {.name = "NSCharacterSet", .answer = answer<characterSetType>},
+    {.name = "NSData", .answer = answer<dataType>},
+    {.name = "NSDate", .answer = answer<dateType>},
+    {.name = "NSDictionary", .answer = answer<dictionaryType>},
+    {.name = "NSError", .answer = answer<errorType>},
+    {.name = "NSInputStream", .answer = answer<readStreamType>},
+    {.name = "NSLocale", .answer = answer<localeType>},
+    {.name = "NSNull", .answer = answer<nullType>},
+    {.name = "NSNumber", .answer = answer<numberType>},
+    {.name = "NSOutputStream", .answer = answer<writeStreamType>},
+    {.name = "NSSet", .answer = answer<setType>},
+    {.name = "NSString", .answer = answer<stringType>},
+    {.name = "NSTimeZone", .answer = answer<timeZoneType>},
+    {.name = "NSTimer", .answer = answer<runLoopTimerType>},
+    {.name = "NSURL", .answer = answer<urlType>},
+};
+
+void giveType(Class cls, CFTypeID (*answer)(id, SEL)) {
+    standin::replaceMethod(cls, "_cfTypeID", answer, "Q16@0:8");
 }
 
 } // namespace
@@ -74,15 +91,29 @@ CFTypeID typeOfClassCluster(id object) {
 - (CFTypeID)_cfTypeID;
 @end
 
+@interface StandInTypeIdentifiers : NSObject
+@end
+
+@implementation StandInTypeIdentifiers
+
+// On macOS every object of Foundation is a Core Foundation object, be it of the root type; so is a
+// class, which has the root class's methods for objects too.
++ (void)load {
+    giveType([NSObject class], answer<rootType>);
+    giveType(object_getClass([NSObject class]), answer<rootType>);
+    for (const BridgedClass &each : bridgedClasses) {
+        giveType(objc_getClass(each.name), each.answer);
+    }
+    NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
+    giveType([[NSNumber numberWithBool:YES] class], answer<booleanType>);
+    [pool drain];
+}
+
+@end
+
 CFTypeID CFGetTypeID(CFTypeRef object) {
     standin::requireObject(object, __func__);
-    if (object == kCFBooleanTrue || object == kCFBooleanFalse) {
-        return booleanType;
-    }
-    if ([(id)object respondsToSelector:@selector(_cfTypeID)]) {
-        return [(id<CoreFoundationType>)object _cfTypeID];
-    }
-    return typeOfClassCluster((id)object);
+    return [(id<CoreFoundationType>)object _cfTypeID];
 }
 
 CFTypeID CFArrayGetTypeID() {

@@ -6,6 +6,7 @@
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
 #import "OwnObject.h"
+#include "UntypedObjects.h"
 
 #include <gmock/gmock.h>
 
@@ -80,6 +81,7 @@ TEST_F(BoxedObject, MayBeOfASubclass) {
 }
 
 TEST_F(BoxedObject, CountsWhenItsClassComesLater) {
+    const UntypedObjects untyped;
     scene.know("NSObjectZKT");
     const id plain = newOf([NSObject class]);
     {

@@ -5,6 +5,7 @@
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "ShapedObject.h"
+#include "UntypedObjects.h"
 
 #include <gmock/gmock.h>
 
@@ -21,6 +22,7 @@ using testing::SizeIs;
 namespace {
 
 struct ClassNameWalk : testing::Test {
+    const UntypedObjects untyped;
     DispatchScene scene;
     host::Host &host = scene.host;
 

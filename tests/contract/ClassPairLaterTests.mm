@@ -4,6 +4,7 @@
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
 #import "ShapedObject.h"
+#include "UntypedObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,7 @@ BOOL isAnImageToo(id self, SEL selector, Class wanted) {
 }
 
 struct LaterClasses : testing::Test {
+    const UntypedObjects untyped;
     DispatchScene scene;
     host::Host &host = scene.host;
 

@@ -6,6 +6,7 @@
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
 #import "ShapedObject.h"
+#include "UntypedObjects.h"
 
 #include <gmock/gmock.h>
 
@@ -14,6 +15,7 @@
 namespace {
 
 struct OnceOnlyClasses : testing::Test {
+    const UntypedObjects untyped;
     DispatchScene scene;
     host::Host &host = scene.host;
 

@@ -3,6 +3,7 @@
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "ShapedObject.h"
+#include "UntypedObjects.h"
 
 #include <gmock/gmock.h>
 
@@ -195,6 +196,7 @@ TEST_F(ClassPairs, WithoutAppKitItsRowsAreSkipped) {
 }
 
 TEST_F(ClassPairs, WithoutAppKitAnUnlistedObjectIsStillWalked) {
+    const UntypedObjects untyped;
     scene.know("NSObjectZKT");
     expectWrapper(*this, [[[NSObject alloc] init] autorelease], "NSObjectZKT", false);
 }

@@ -226,6 +226,7 @@ TEST_F(DispatchValue, TheBooleansAreNilWithoutTheServiceThatBoxesThem) {
 
 TEST_F(DispatchValue, EveryOrdinaryObjectHasItsHostClass) {
     scene.know("NSObjectZKT");
+    scene.knowCoreFoundation("CFObjectZKT");
     const struct {
         id object;
         const char *hostClass;
@@ -246,7 +247,7 @@ TEST_F(DispatchValue, EveryOrdinaryObjectHasItsHostClass) {
         {.object = [NSCalendarDate calendarDate], .hostClass = "Date"},
         {.object = [NSDictionary dictionary], .hostClass = "Dictionary"},
         {.object = [NSMutableDictionary dictionary], .hostClass = "Dictionary"},
-        {.object = [[[NSObject alloc] init] autorelease], .hostClass = "NSObjectZKT"},
+        {.object = [[[NSObject alloc] init] autorelease], .hostClass = "CFObjectZKT"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(class_getName([row.object class]));

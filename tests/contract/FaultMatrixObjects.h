@@ -38,7 +38,8 @@
 - (CFTypeID)_cfTypeID;
 @end
 
-/// An object of no class that is known for anything.
+/// An object of no class that is known for anything, which denies that it is one of Core
+/// Foundation.
 @interface MatrixThing : NSObject
 @end
 

@@ -111,6 +111,11 @@
 @end
 
 @implementation MatrixThing
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    return !sel_isEqual(selector, @selector(_cfTypeID)) && [super respondsToSelector:selector];
+}
+
 @end
 
 Class matrixClass(const char *name) {

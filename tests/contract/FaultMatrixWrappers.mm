@@ -146,11 +146,16 @@ void addBox(Operations &all) {
 // Core Foundation's objects. Cocoa's exceptions are dropped on this way, and the object is wrapped
 // by its class instead.
 
-Act convertingTyped(Scene &scene, const char *hostClass, std::int64_t tag) {
+/// A host class for wrappers of Core Foundation objects.
+void knowTyped(Scene &scene, const char *hostClass, std::int64_t tag) {
     const std::int64_t data[] = {0, 0, tag};
     const auto *bytes = reinterpret_cast<const std::byte *>(data);
     scene.host.addClass(
         {.name = hostClass, .dataSize = sizeof data, .initialData = {bytes, bytes + sizeof data}});
+}
+
+Act convertingTyped(Scene &scene, const char *hostClass, std::int64_t tag) {
+    knowTyped(scene, hostClass, tag);
     know(scene, "NSObjectZKT");
     MatrixTyped *object = [[[MatrixTyped alloc] init] autorelease];
     object->type = CFUUIDGetTypeID();
@@ -179,6 +184,18 @@ void addCoreFoundation(Operations &all) {
          .arrange = [](Scene &scene) { return convertingTyped(scene, "CFObjectZKT", wrapperTag); },
          .present = gives("CFObjectZKT(the object), retained 1"),
          .rows = {makingTyped()}});
+    all.push_back({.name = "Core Foundation object like any object",
+                   .arrange =
+                       [](Scene &scene) {
+                           knowTyped(scene, "CFObjectZKT", wrapperTag);
+                           return convertingNew(scene, "MatrixPlain");
+                       },
+                   .present = gives("CFObjectZKT(the object), retained 1"),
+                   .rows = {makingTyped()}});
+    all.push_back({.name = "Core Foundation object like any object, unknown to the host",
+                   .arrange = [](Scene &scene) { return convertingNew(scene, "MatrixPlain"); },
+                   .present = nothing,
+                   .rows = {makingTyped()}});
     all.push_back({.name = "Core Foundation object and a class without the tag",
                    .arrange = [](Scene &scene) { return convertingTyped(scene, "CFUUIDZKT", 7); },
                    .present = nothing.holding({"CFUUIDZKT"}),

@@ -4,6 +4,7 @@
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
+#include "UntypedObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,7 @@ struct MacosKinds {
 };
 
 struct KindByClass : testing::Test {
+    const UntypedObjects untyped;
     MacosKinds kinds;
     DispatchScene scene;
     host::Host &host = scene.host;
@@ -97,6 +99,7 @@ BOOL isNoImage(id self, SEL, Class wanted) {
 } // namespace
 
 TEST(KindByReplacement, IsAskedForAlthoughTheReplacementIsOlderThanTheFirstConversion) {
+    const UntypedObjects untyped;
     DispatchScene scene;
     scene.know("NSImageZKT");
     const id image = [[[classNamed("NSImage") alloc] init] autorelease];

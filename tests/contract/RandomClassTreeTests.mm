@@ -4,6 +4,7 @@
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "MethodFunctions.h"
+#include "UntypedObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -115,6 +116,7 @@ protected:
         return "";
     }
 
+    const UntypedObjects untyped;
     DispatchScene scene;
     std::mt19937 random{GetParam()};
     std::set<std::string> known;

@@ -5,6 +5,7 @@
 #import "MethodFunctions.h"
 #import "MethodSubstitute.h"
 #import "RootObject.h"
+#include "UntypedObjects.h"
 
 #include "host/classes/Inspect.h"
 
@@ -28,6 +29,7 @@ using testing::StartsWith;
 namespace {
 
 struct UnusualClass : testing::Test {
+    const UntypedObjects untyped;
     DispatchScene scene;
     host::Host &host = scene.host;
 

@@ -7,6 +7,7 @@
 #import "MethodFunctions.h"
 #import "OwnObject.h"
 #import "RootObject.h"
+#include "UntypedObjects.h"
 
 #include "host/classes/Inspect.h"
 
@@ -147,6 +148,7 @@ TEST_F(UnusualObject, AProxyOfAnErrorIsAnErrorAndWrappedItself) {
 }
 
 TEST_F(UnusualObject, AProxyOfAnUnlistedObjectIsWalkedFromItsOwnClass) {
+    const UntypedObjects untyped;
     scene.know("PassingProxyZKT");
     scene.know("NSProxyZKT");
     scene.know("NSObjectZKT");
@@ -155,10 +157,20 @@ TEST_F(UnusualObject, AProxyOfAnUnlistedObjectIsWalkedFromItsOwnClass) {
 }
 
 TEST_F(UnusualObject, AProxyOfAnUnlistedObjectEndsAtItsOwnRoot) {
+    const UntypedObjects untyped;
     scene.know("NSObjectZKT");
     const id proxy = [PassingProxy proxyFor:[[[NSObject alloc] init] autorelease]];
     EXPECT_EQ(scene.convertRaw(proxy), nullptr);
     EXPECT_THAT(scene.requests(), ElementsAre(asks("PassingProxyZKT"), asks("NSProxyZKT")));
+}
+
+TEST_F(UnusualObject, AProxyOfAnUnlistedObjectHasItsType) {
+    scene.know("PassingProxyZKT");
+    scene.knowCoreFoundation("CFObjectZKT");
+    const id proxy = [PassingProxy proxyFor:[[[NSObject alloc] init] autorelease]];
+    const host::ObjectRef made = scene.convert(proxy);
+    EXPECT_EQ(host.className(made), "CFObjectZKT");
+    EXPECT_EQ(scene.wrapped(made), (const void *)proxy);
 }
 
 TEST_F(UnusualObject, AProxyThatAnswersItselfIsBelieved) {
@@ -214,6 +226,7 @@ TEST_F(UnusualObject, AnObservedObjectIsWhatItWas) {
 }
 
 TEST_F(UnusualObject, ADenialCounts) {
+    const UntypedObjects untyped;
     scene.know("DenyingIndexSetZKT");
     scene.know("NSIndexSetZKT");
     scene.know("NSObjectZKT");
@@ -230,6 +243,7 @@ TEST_F(UnusualObject, ADenialCounts) {
 }
 
 TEST_F(UnusualObject, AClassObjectIsNoObjectOfItsClass) {
+    const UntypedObjects untyped;
     scene.know("NSImageZKT");
     const Class image = classNamed("NSImage");
     const host::ObjectRef made = scene.convert((id)image);

@@ -4,6 +4,7 @@
 #include "CoreFoundationSpy.h"
 #include "DispatchScene.h"
 #import "ShapedObject.h"
+#include "UntypedObjects.h"
 
 #include "host/classes/Inspect.h"
 
@@ -163,6 +164,7 @@ TEST_F(WrapperRegistry, TakesOneReferenceToTheObject) {
 }
 
 TEST_F(WrapperRegistry, IsNeverEnteredForObjectsOfTheWalk) {
+    const UntypedObjects untyped;
     scene.know("NSIndexSetZKT");
     scene.know("NSObjectZKT");
     const id walked = [NSIndexSet indexSetWithIndex:1];
@@ -237,6 +239,7 @@ TEST_F(WithoutRegistry, ARegisteringRowMakesANewInstanceEachTime) {
 }
 
 TEST_F(WithoutRegistry, EveryOtherWayWorksAlike) {
+    const UntypedObjects untyped;
     scene.know("NSIndexSetZKT");
     scene.know("NSObjectZKT");
     scene.knowCoreFoundation("CTRunZKT");

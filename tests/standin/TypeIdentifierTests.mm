@@ -2,6 +2,7 @@
 
 #import "Cocoa.h"
 
+#include <iterator>
 #include <set>
 
 /// Tells its type itself, as Core Foundation's own objects do.
@@ -85,6 +86,39 @@ TEST_F(TypeIdentifiers, OfFoundationsObjects) {
     }
 }
 
+TEST_F(TypeIdentifiers, OfTheOtherBridgedClassesAreTheirOwn) {
+    const id objects[] = {
+        [NSNull null],
+        [NSLocale currentLocale],
+        [NSCalendar currentCalendar],
+        [NSTimer timerWithTimeInterval:1
+                                target:@"target"
+                              selector:@selector(length)
+                              userInfo:nil
+                               repeats:NO],
+        [NSInputStream inputStreamWithData:[NSData data]],
+        [NSOutputStream outputStreamToMemory],
+    };
+    std::set<CFTypeID> types;
+    for (const id object : objects) {
+        types.insert(CFGetTypeID(object));
+    }
+    EXPECT_EQ(types.size(), std::size(objects));
+    EXPECT_THAT(types, testing::Each(testing::Gt(1U)));
+}
+
+TEST_F(TypeIdentifiers, AreWhatTheObjectsTellThemselves) {
+    const id objects[] = {
+        @"text",       [NSNumber numberWithInt:1],  (id)kCFBooleanTrue, [NSSet set],
+        [NSNull null], [NSProcessInfo processInfo], [NSError class]};
+    for (const id object : objects) {
+        EXPECT_TRUE([object respondsToSelector:@selector(_cfTypeID)])
+            << object_getClassName(object);
+        EXPECT_EQ([(TypedObject *)object _cfTypeID], CFGetTypeID(object))
+            << object_getClassName(object);
+    }
+}
+
 TEST_F(TypeIdentifiers, AnObjectThatTellsItsTypeIsBelieved) {
     TypedObject *const object = [[[TypedObject alloc] init] autorelease];
     object->type = CTRunGetTypeID();
@@ -92,8 +126,24 @@ TEST_F(TypeIdentifiers, AnObjectThatTellsItsTypeIsBelieved) {
 }
 
 TEST_F(TypeIdentifiers, OtherObjectsHaveTheRootType) {
-    NSObject *const object = [[[NSObject alloc] init] autorelease];
-    EXPECT_EQ(CFGetTypeID(object), 1U);
+    const id objects[] = {
+        [[[NSObject alloc] init] autorelease],
+        [[[NSLock alloc] init] autorelease],
+        [NSProcessInfo processInfo],
+        [NSFileManager defaultManager],
+        [NSValue valueWithRange:NSMakeRange(0, 1)],
+        [NSString class], // class objects are objects of NSObject's too
+    };
+    for (const id object : objects) {
+        EXPECT_EQ(CFGetTypeID(object), 1U) << object_getClassName(object);
+    }
+}
+
+TEST_F(TypeIdentifiers, OfASubclassAreTheBridgedClasss) {
+    EXPECT_EQ(CFGetTypeID(nsString(u"made by Core Foundation")), CFStringGetTypeID());
+    EXPECT_EQ(CFGetTypeID([NSCountedSet set]), CFSetGetTypeID());
+    EXPECT_EQ(CFGetTypeID([NSDecimalNumber one]), CFNumberGetTypeID());
+    EXPECT_EQ(CFGetTypeID([NSCalendarDate calendarDate]), CFDateGetTypeID());
 }
 
 } // namespace

@@ -166,6 +166,18 @@ TEST_P(Convert, SaysHowTheHostGetsWrapperClasses) {
     EXPECT_THAT(tree({"--class", "NSNull", "--sibling", "wrappers"}), testing::ElementsAre("nil"));
 }
 
+// On macOS they are Core Foundation's, as every object is.
+TEST_P(Convert, TakesObjectsOfOtherClassesForCoreFoundations) {
+    for (const char *type : {"NSObject", "NSLock", "NSProcessInfo"}) {
+        SCOPED_TRACE(type);
+        EXPECT_THAT(tree({"--class", type, "--sibling", "wrappers"}),
+                    testing::ElementsAre("CFObjectZKT"));
+        EXPECT_THAT(tree({"--class", type}),
+                    testing::ElementsAre("nil (the host has no class for it; --sibling wrappers "
+                                         "adds the family's)"));
+    }
+}
+
 TEST_P(Convert, WritesAWrapperAndNothingAsJson) {
     const Finished wrapper =
         convert({"--class", "NSFileManager", "--sibling", "wrappers", "--format", "json"});
