@@ -295,13 +295,24 @@ TEST(NumberVariant, HandsOverOneReference) {
     }
 }
 
+// The codes "C", "S" and "I", and any low number of "Q", only a subclass has: see above.
 TEST(NumberVariant, ComesFromFoundationsOwnNumbers) {
     struct Row {
         NSNumber *number;
         const char *made;
     };
     const Row rows[] = {
+        {[NSNumber numberWithChar:5], "BooleanToVariant(true)"}, // its code is a boolean's
+        {[NSNumber numberWithChar:0], "BooleanToVariant(false)"},
+        {[NSNumber numberWithUnsignedChar:200], "IntegerToVariant(200)"},
+        {[NSNumber numberWithShort:-7], "IntegerToVariant(-7)"},
+        {[NSNumber numberWithUnsignedShort:65535], "IntegerToVariant(65535)"},
         {[NSNumber numberWithInt:-7], "IntegerToVariant(-7)"},
+        {[NSNumber numberWithUnsignedInt:5], "IntegerToVariant(5)"}, // never a UInt32
+        {[NSNumber numberWithUnsignedInt:~0U], "IntegerToVariant(4294967295)"},
+        {[NSNumber numberWithInteger:5], "IntegerToVariant(5)"},
+        {[NSNumber numberWithUnsignedInteger:5], "IntegerToVariant(5)"},
+        {[NSNumber numberWithUnsignedLongLong:~0ULL >> 1], "IntegerToVariant(9223372036854775807)"},
         {[NSNumber numberWithLongLong:least<long long>], "IntegerToVariant(-9223372036854775808)"},
         {[NSNumber numberWithUnsignedLongLong:(1ULL << 63) + 1], "UInt32ToVariant(1)"},
         {[NSNumber numberWithUnsignedLongLong:~0ULL], "UInt32ToVariant(4294967295)"},
