@@ -39,6 +39,34 @@ constexpr TableEncoding tableEncodings[] = {
     {.encoding = 0x0A03, .name = "Big5"},
 };
 
+// Which numbers Core Foundation takes for supersets of ASCII, whether it has a converter for them
+// or not. The second byte of a number is its family.
+bool isSupersetOfAscii(CFStringEncoding encoding) {
+    constexpr CFStringEncoding notByThemselves[] = {
+        0x0001, 0x0004, 0x0005, 0x0021, 0x0022, 0x0098, // Mac OS: of another script, or symbols
+        0x0206,                                         // ISO 8859-6, Arabic
+        0x0A01, 0x0A05, 0x0A10,                         // Shift-JIS, HZ, UTF-7 of IMAP
+        0x0BFF,                                         // non-lossy ASCII
+    };
+    constexpr CFStringEncoding lastFamily = 0x0B00;
+    const CFStringEncoding family = encoding & 0xFF00;
+    switch (family) {
+    case 0x0100: // Unicode
+        return encoding == kCFStringEncodingUTF8;
+    case 0x0600: // national standards
+        return encoding == kCFStringEncodingASCII;
+    case 0x0800: // ISO 2022
+        return false;
+    default:
+        return family <= lastFamily &&
+               std::ranges::find(notByThemselves, encoding) == std::end(notByThemselves);
+    }
+}
+
+bool isAscii(std::span<const std::uint8_t> bytes) {
+    return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < 0x80; });
+}
+
 // A converter that stops at what it cannot convert; null for an encoding that is not in the table.
 Converter openConverter(CFStringEncoding encoding) {
     const auto row = std::ranges::find(tableEncodings, encoding, &TableEncoding::encoding);
@@ -113,23 +141,27 @@ bool isBigEndian(CFStringEncoding encoding) {
     return encoding == kCFStringEncodingUTF16BE || encoding == kCFStringEncodingUTF32BE;
 }
 
-// The code units in host order, without the mark; a trailing part of a unit is dropped. `unmarked`
-// is the form of the encoding that leaves the order open.
+// The code units in host order, without the mark; a trailing part of a unit is dropped. `open`: the
+// encoding leaves the order to a mark, and is big-endian without one. Nothing when the bytes are
+// not even one unit: so macOS 10.15 and later; before, the text was empty.
 template <typename Unit>
-std::basic_string<Unit> inHostOrder(std::span<const std::uint8_t> bytes, CFStringEncoding encoding,
-                                    CFStringEncoding unmarked, bool external) {
+std::optional<std::basic_string<Unit>> inHostOrder(std::span<const std::uint8_t> bytes,
+                                                   CFStringEncoding encoding, bool open) {
     constexpr auto mark = static_cast<Unit>(0xFEFF);
     const auto swapped = [](Unit unit) {
         auto parts = std::bit_cast<std::array<std::uint8_t, sizeof(Unit)>>(unit);
         std::ranges::reverse(parts);
         return std::bit_cast<Unit>(parts);
     };
+    if (bytes.size() < sizeof(Unit)) {
+        return std::nullopt;
+    }
     std::basic_string<Unit> units(bytes.size() / sizeof(Unit), Unit());
     std::ranges::copy(bytes.first(units.size() * sizeof(Unit)),
                       reinterpret_cast<std::uint8_t *>(units.data()));
     bool swap = isBigEndian(encoding);
-    if (encoding == unmarked && external) {
-        const Unit first = units.empty() ? Unit() : units[0];
+    if (open) {
+        const Unit first = units[0];
         swap = first != mark;
         if (first == mark || first == swapped(mark)) {
             units.erase(0, 1);
@@ -141,10 +173,23 @@ std::basic_string<Unit> inHostOrder(std::span<const std::uint8_t> bytes, CFStrin
     return units;
 }
 
-std::optional<std::u16string> decodeUtf32(std::u32string_view characters) {
+// In the order of the host, with its mark: what Core Foundation reads without looking at it.
+std::u16string asUnits(std::span<const std::uint8_t> bytes) {
+    std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
+    std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
+    return units;
+}
+
+std::optional<std::u16string> decodeUtf32(std::span<const std::uint8_t> bytes,
+                                          CFStringEncoding encoding) {
+    const auto characters =
+        inHostOrder<char32_t>(bytes, encoding, encoding == kCFStringEncodingUTF32);
+    if (!characters) {
+        return std::nullopt;
+    }
     std::u16string units;
-    units.reserve(characters.size());
-    for (const char32_t character : characters) {
+    units.reserve(characters->size());
+    for (const char32_t character : *characters) {
         if (character > 0x10FFFF || U_IS_SURROGATE(character)) {
             return std::nullopt;
         }
@@ -209,6 +254,13 @@ std::optional<std::size_t> encodeUtf16(std::u16string_view units, std::span<char
 
 std::optional<std::u16string> decode(std::span<const std::uint8_t> bytes, CFStringEncoding encoding,
                                      bool external) {
+    // Before the encoding is looked at.
+    if (bytes.empty()) {
+        return std::u16string();
+    }
+    if (isSupersetOfAscii(encoding) && isAscii(bytes)) {
+        return std::u16string(bytes.begin(), bytes.end());
+    }
     switch (encoding) {
     case kCFStringEncodingUTF8:
         return decodeUtf8(bytes);
@@ -216,14 +268,14 @@ std::optional<std::u16string> decode(std::span<const std::uint8_t> bytes, CFStri
     case kCFStringEncodingISOLatin1:
         return std::u16string(bytes.begin(), bytes.end());
     case kCFStringEncodingUTF16:
+        return external ? inHostOrder<char16_t>(bytes, encoding, true) : asUnits(bytes);
     case kCFStringEncodingUTF16BE:
     case kCFStringEncodingUTF16LE: // lone surrogates are not refused
-        return inHostOrder<char16_t>(bytes, encoding, kCFStringEncodingUTF16, external);
+        return inHostOrder<char16_t>(bytes, encoding, false);
     case kCFStringEncodingUTF32:
     case kCFStringEncodingUTF32BE:
     case kCFStringEncodingUTF32LE:
-        return decodeUtf32(
-            inHostOrder<char32_t>(bytes, encoding, kCFStringEncodingUTF32, external));
+        return decodeUtf32(bytes, encoding);
     default:
         return decodeByTable(bytes, encoding);
     }

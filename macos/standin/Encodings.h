@@ -13,10 +13,10 @@
 
 namespace standin {
 
-/// The UTF-16 units of the bytes. Nothing when the bytes are not valid in the encoding or the
-/// encoding is unknown. `external`: the bytes come from outside, so that UTF-16 and UTF-32 without
-/// an order of their own start with a byte order mark or are big-endian; else they are in host
-/// order.
+/// The UTF-16 units of the bytes. Nothing when the bytes are not valid in the encoding, or the
+/// encoding is unknown and they are more than ASCII. UTF-16 and UTF-32 without an order of their
+/// own start with a byte order mark or are big-endian; only UTF-16 that is not `external` is in
+/// host order.
 std::optional<std::u16string> decode(std::span<const std::uint8_t> bytes, CFStringEncoding encoding,
                                      bool external);
 

@@ -77,6 +77,11 @@ INSTANTIATE_TEST_SUITE_P(
             R"(CFStringCreateWithBytes("\xC6", 1, 0x00000502, true))"},
         Row{"UTF16BigEndian", 0x10000100, "\0a"s, u"a",
             R"(CFStringCreateWithBytes("\x00a", 2, 0x10000100, true))"},
+        // ASCII counts in whatever is a superset of it by its number, known or not.
+        Row{"AsciiInAnEncodingWithoutAConverter", 0x0777, "abc", u"abc",
+            R"(CFStringCreateWithBytes("abc", 3, 0x00000777, true))"},
+        Row{"EmptyInAnUnknownEncoding", 0x0DAD, "", u"",
+            R"(CFStringCreateWithBytes("", 0, 0x00000DAD, true))"},
         Row{"Empty", 0x08000100, "", u"", R"(CFStringCreateWithBytes("", 0, 0x08000100, true))"},
         Row{"ZeroBytesAmongOthers", 0x08000100, "a\0b\0"s, u"a\0b\0"s,
             R"(CFStringCreateWithBytes("a\x00b\x00", 4, 0x08000100, true))"}),
@@ -113,8 +118,11 @@ INSTANTIATE_TEST_SUITE_P(With, MalformedHostString,
                                          Malformed{"SurrogateInUTF8", 0x08000100, "\xED\xA0\x80"},
                                          Malformed{"SurrogateInUTF32", 0x0C000100, "\0\0\xD8\0"s},
                                          Malformed{"UTF32BeyondUnicode", 0x0C000100, "\0\x11\0\0"s},
+                                         Malformed{"UTF32CutShort", 0x0C000100, "\0\0\0"s},
+                                         Malformed{"UTF16BigEndianCutShort", 0x10000100, "a"},
                                          Malformed{"HoleOfWindowsLatin1", 0x0500, "a\x81"},
-                                         Malformed{"UnknownToCoreFoundation", 0x0BAD, "abc"}),
+                                         Malformed{"MoreThanAsciiUnknown", 0x0777, "abc\x80"},
+                                         Malformed{"UnknownToCoreFoundation", 0x0DAD, "abc"}),
                          [](const auto &tested) { return std::string(tested.param.name); });
 
 // These encodings have a meaning for every byte, or Core Foundation gives them one.

@@ -24,8 +24,16 @@ constexpr std::u16string_view refused = u"(null)";
 
 TEST_F(StringDecoding, NoBytesGiveAnEmptyStringInEveryEncoding) {
     for (const CFStringEncoding encoding :
-         {0U, 0x100U, 0x201U, 0x500U, 0x600U, 0x08000100U, 0x0C000100U}) {
+         {0U, 0x100U, 0x201U, 0x500U, 0x600U, 0x08000100U, 0x0C000100U, 0x10000100U, 0x0A01U}) {
         EXPECT_EQ(decoded({}, encoding), u"") << encoding;
+    }
+}
+
+TEST_F(StringDecoding, NoBytesGiveAnEmptyStringUnderAnyNumber) {
+    for (const CFStringEncoding encoding :
+         {0x0001U, 0x0203U, 0x0FFFU, 0x1234U, 0xFFFFU, 0x12345678U, kCFStringEncodingInvalidId}) {
+        EXPECT_EQ(decoded({}, encoding), u"") << encoding;
+        EXPECT_EQ(decoded({}, encoding, false), u"") << encoding;
     }
 }
 
@@ -113,6 +121,28 @@ TEST_F(StringDecoding, Utf16OfANamedOrderKeepsTheMark) {
               u"\uFEFFA");
 }
 
+TEST_F(StringDecoding, AByteIsNoUtf16) {
+    for (const std::string_view byte : {"a"sv, "\0"sv, "\xFF"sv}) {
+        EXPECT_EQ(decoded(byte, kCFStringEncodingUTF16), refused);
+        EXPECT_EQ(decoded(byte, kCFStringEncodingUTF16BE), refused);
+        EXPECT_EQ(decoded(byte, kCFStringEncodingUTF16LE), refused);
+    }
+    EXPECT_EQ(decoded("\xFE\xFF"sv, kCFStringEncodingUTF16), u"") << "a mark is one unit";
+    EXPECT_EQ(decoded("a", kCFStringEncodingUTF16, false), u"") << "no unit is looked at";
+}
+
+TEST_F(StringDecoding, ThreeBytesAreNoUtf32) {
+    for (const std::string_view bytes : {"a"sv, "\0\0"sv, "\0\0\xFE"sv}) {
+        for (const bool external : {true, false}) {
+            EXPECT_EQ(decoded(bytes, kCFStringEncodingUTF32, external), refused);
+            EXPECT_EQ(decoded(bytes, kCFStringEncodingUTF32BE, external), refused);
+            EXPECT_EQ(decoded(bytes, kCFStringEncodingUTF32LE, external), refused);
+        }
+    }
+    EXPECT_EQ(decoded("\0\0\xFE\xFF"sv, kCFStringEncodingUTF32), u"");
+    EXPECT_EQ(decoded("\0\0\0A\0"sv, kCFStringEncodingUTF32), u"A");
+}
+
 TEST_F(StringDecoding, Utf16AcceptsLoneSurrogatesAndDropsAnOddByte) {
     const std::u16string text = decoded("\xD8\x00\0A\0"sv, kCFStringEncodingUTF16);
     ASSERT_EQ(text.size(), 2U);
@@ -127,8 +157,17 @@ TEST_F(StringDecoding, ExternalUtf32IsBigEndianUnlessMarked) {
                       "A\0\0\0"sv,
                       kCFStringEncodingUTF32),
               u"A");
-    EXPECT_EQ(decoded("A\0\0\0"sv, kCFStringEncodingUTF32, false), u"A");
     EXPECT_EQ(decoded("A\0\0\0"sv, kCFStringEncodingUTF32LE), u"A");
+}
+
+TEST_F(StringDecoding, InternalUtf32IsReadLikeExternal) {
+    EXPECT_EQ(decoded("\0\0\0A"sv, kCFStringEncodingUTF32, false), u"A");
+    EXPECT_EQ(decoded("A\0\0\0"sv, kCFStringEncodingUTF32, false), refused) << "beyond U+10FFFF";
+    EXPECT_EQ(decoded("\0\0\xFE\xFF\0\0\0A"sv, kCFStringEncodingUTF32, false), u"A");
+    EXPECT_EQ(decoded("\xFF\xFE\0\0"
+                      "A\0\0\0"sv,
+                      kCFStringEncodingUTF32, false),
+              u"A");
 }
 
 TEST_F(StringDecoding, Utf32RefusesWhatIsNoCharacter) {
@@ -146,9 +185,50 @@ TEST_F(StringDecoding, OtherEncodingsGoByTheirNumber) {
     EXPECT_EQ(decoded("\x82", 0x0A01), refused);
 }
 
-TEST_F(StringDecoding, UnknownEncodingsAreRefused) {
-    EXPECT_EQ(decoded("abc", 0xFFFF), refused);
-    EXPECT_EQ(decoded("abc", kCFStringEncodingInvalidId), refused);
+TEST_F(StringDecoding, AsciiIsTakenInEverySupersetOfIt) {
+    // Of Mac OS, ISO 8859, a family without members, DOS, Windows, ASCII itself, another without
+    // members, EUC, and the rest.
+    for (const CFStringEncoding encoding :
+         {0x0000U, 0x0002U, 0x0006U, 0x0025U, 0x00FFU, 0x0201U,  0x0203U,  0x0210U,    0x0300U,
+          0x0400U, 0x04FFU, 0x0500U, 0x05FFU, 0x0600U, 0x0700U,  0x0777U,  0x0920U,    0x09FFU,
+          0x0A00U, 0x0A02U, 0x0A08U, 0x0B01U, 0x0BFEU, 0x10000U, 0x10001U, 0x08000100U}) {
+        EXPECT_EQ(decoded("a\0bc\x7F"sv, encoding), u"a\0bc\x7F"sv) << std::hex << encoding;
+    }
+}
+
+TEST_F(StringDecoding, AsciiUnderAnyOtherNumberNeedsAConverter) {
+    for (const CFStringEncoding encoding : {0x0001U,
+                                            0x0004U,
+                                            0x0005U,
+                                            0x0021U,
+                                            0x0022U,
+                                            0x0098U,
+                                            0x0101U,
+                                            0x01FFU,
+                                            0x0206U,
+                                            0x0601U,
+                                            0x06FFU,
+                                            0x0800U,
+                                            0x08FFU,
+                                            0x0A05U,
+                                            0x0A10U,
+                                            0x0BFFU,
+                                            0x0C00U,
+                                            0x0D00U,
+                                            0x1234U,
+                                            0xFF00U,
+                                            0xFFFFU,
+                                            0x10000600U,
+                                            kCFStringEncodingInvalidId}) {
+        EXPECT_EQ(decoded("abc", encoding), refused) << std::hex << encoding;
+    }
+    EXPECT_EQ(decoded("abc\\", 0x0A01), u"abc\\") << "Shift-JIS has one";
+}
+
+TEST_F(StringDecoding, MoreThanAsciiIsRefusedInUnknownEncodings) {
+    for (const CFStringEncoding encoding : {0x0300U, 0x0777U, 0x10000U, 0xFFFFU}) {
+        EXPECT_EQ(decoded("abc\x80", encoding), refused) << std::hex << encoding;
+    }
 }
 
 TEST_F(StringDecoding, CharactersAreTakenAsTheyAre) {
