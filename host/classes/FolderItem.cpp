@@ -7,6 +7,7 @@
 
 #include <CoreServices/CoreServices.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -27,6 +28,12 @@ ObjectHandle makeItem(Host &host, FolderContent content) {
 std::string utf8From(std::u16string_view units) {
     return convertBytes({reinterpret_cast<const char *>(units.data()), units.size() * 2},
                         encoding::utf16, encoding::utf8);
+}
+
+/// The File Manager's separator is the colon, so that a slash in its names is a colon in paths.
+std::string posixName(std::u16string name) {
+    std::ranges::replace(name, u'/', u':');
+    return utf8From(name);
 }
 
 ObjectHandle trueFolderItem(Host &host, StringHandle path, std::int64_t pathMode) {
@@ -84,7 +91,7 @@ ObjectHandle folderItemFromParent(Host &host, const void *parentReference, const
         return nullptr;
     }
     std::u16string units(given.unicode, given.unicode + given.length);
-    std::filesystem::path whole = std::filesystem::path(path.data()) / utf8From(units);
+    std::filesystem::path whole = std::filesystem::path(path.data()) / posixName(units);
     return makeItem(host, {.fromParent = true,
                            .pathMode = 0,
                            .parent = path.data(),

@@ -118,6 +118,11 @@ std::optional<File> fileAt(const std::string &path) {
     return file;
 }
 
+bool isFolder(const std::string &path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 } // namespace
 
 bool makeReference(const std::string &path, FSRef &ref) {
@@ -126,7 +131,7 @@ bool makeReference(const std::string &path, FSRef &ref) {
     }
     const auto canonical = canonicalPath(path);
     const auto file = canonical ? fileAt(*canonical) : std::nullopt;
-    if (!file) {
+    if (!file || (path.back() == '/' && !isFolder(file->path))) {
         return false;
     }
     const Contents contents{.magic = referenceMagic,

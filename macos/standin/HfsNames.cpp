@@ -1,9 +1,11 @@
 #include "HfsNames.h"
 
-#include "Encodings.h"
-
 #include <unicode/normalizer2.h>
 #include <unicode/uniset.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <cstdint>
 
 namespace standin {
 namespace {
@@ -19,22 +21,22 @@ icu::UnicodeSet decomposedCharacters() {
 } // namespace
 
 std::optional<std::u16string> hfsName(std::string_view utf8) {
-    const auto *bytes = reinterpret_cast<const std::uint8_t *>(utf8.data());
-    const auto units = decode({bytes, utf8.size()}, kCFStringEncodingUTF8, false);
-    if (!units) {
-        return std::nullopt;
-    }
     UErrorCode status = U_ZERO_ERROR;
+    std::u16string units(utf8.size(), u'\0'); // no character takes more units than bytes
+    std::int32_t length = 0;
+    u_strFromUTF8(units.data(), static_cast<std::int32_t>(units.size()), &length, utf8.data(),
+                  static_cast<std::int32_t>(utf8.size()), &status);
     static const icu::UnicodeSet characters = decomposedCharacters();
     const icu::FilteredNormalizer2 normalizer(*icu::Normalizer2::getNFDInstance(status),
                                               characters);
-    const icu::UnicodeString name(units->data(), static_cast<std::int32_t>(units->size()));
     icu::UnicodeString decomposed;
-    normalizer.normalize(name, decomposed, status);
+    normalizer.normalize(icu::UnicodeString(units.data(), length), decomposed, status);
     if (U_FAILURE(status)) {
         return std::nullopt;
     }
-    return std::u16string(decomposed.getBuffer(), static_cast<std::size_t>(decomposed.length()));
+    std::u16string name(decomposed.getBuffer(), static_cast<std::size_t>(decomposed.length()));
+    std::ranges::replace(name, u':', u'/');
+    return name;
 }
 
 } // namespace standin

@@ -249,7 +249,7 @@ TEST(UrlOfNoFile, IsNil) {
 
 TEST(UrlOfNoFile, WithoutAPathIsNil) {
     FolderItemScene scene;
-    for (const char *text : {"mailto:someone@example.com", "http://example.com"}) {
+    for (const char *text : {"mailto:someone@example.com", "file:a/b"}) {
         SCOPED_TRACE(text);
         scene.host.clearTrace();
         EXPECT_EQ(scene.convert(urlFrom(text)).handle(), nullptr);
@@ -257,4 +257,13 @@ TEST(UrlOfNoFile, WithoutAPathIsNil) {
                     ElementsAre("CFURLGetFSRef(url) = false",
                                 "CFURLCreateCopyDeletingLastPathComponent(nil, url) = nil"));
     }
+}
+
+TEST(UrlOfNoFile, WithAnEmptyPathIsNil) {
+    FolderItemScene scene;
+    EXPECT_EQ(scene.convert(urlFrom("http://example.com")).handle(), nullptr);
+    EXPECT_THAT(scene.host.trace(),
+                ElementsAre("CFURLGetFSRef(url) = false",
+                            "CFURLCreateCopyDeletingLastPathComponent(nil, url) = parent",
+                            "CFURLGetFSRef(parent) = false", "CFRelease(parent)"));
 }

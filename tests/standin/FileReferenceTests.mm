@@ -31,6 +31,16 @@ protected:
         return CFURLGetFSRef((CFURLRef)[NSURL fileURLWithPath:text], &ref) != 0;
     }
 
+    static NSURL *url(const std::string &text, NSURL *base) {
+        return [NSURL URLWithString:[NSString stringWithUTF8String:text.c_str()]
+                      relativeToURL:base];
+    }
+
+    static bool referenceTo(const std::string &text, FSRef &ref, const std::string &base = "") {
+        NSURL *const whole = base.empty() ? nil : url(base, nil);
+        return CFURLGetFSRef((CFURLRef)url(text, whole), &ref) != 0;
+    }
+
     static FSRef reference(const fs::path &path) {
         FSRef ref;
         EXPECT_TRUE(reference(path, ref)) << path;
@@ -97,6 +107,112 @@ TEST_F(FileReferences, TakeTheFolderAboveTheRoot) {
     ASSERT_TRUE(CFURLGetFSRef(above, &ref));
     EXPECT_EQ(path(ref), "/");
     CFRelease(above);
+}
+
+TEST_F(FileReferences, TakeAnySpellingOfTheScheme) {
+    const fs::path item = file("item");
+    FSRef ref;
+    EXPECT_TRUE(referenceTo("FILE://" + item.string(), ref));
+    EXPECT_EQ(path(ref), item);
+    EXPECT_TRUE(referenceTo("file:" + item.string(), ref));
+    EXPECT_TRUE(referenceTo("file://host" + item.string(), ref));
+    EXPECT_FALSE(referenceTo("files://" + item.string(), ref));
+    EXPECT_FALSE(referenceTo(item.string(), ref)) << "no scheme at all";
+}
+
+TEST_F(FileReferences, TakeASemicolonForPartOfThePath) {
+    const fs::path whole = file("b;c");
+    EXPECT_TRUE(fs::exists(file("b")));
+    FSRef ref;
+    ASSERT_TRUE(referenceTo("file://" + whole.string(), ref));
+    EXPECT_EQ(path(ref), whole);
+    EXPECT_FALSE(referenceTo("file://" + folder().string() + "/b;", ref));
+    fs::create_directory(folder() / "p;q");
+    const fs::path inner = file("p;q/x");
+    ASSERT_TRUE(referenceTo("file://" + inner.string(), ref));
+    EXPECT_EQ(path(ref), inner);
+}
+
+TEST_F(FileReferences, LookBehindNeitherQueryNorFragment) {
+    const fs::path item = file("item");
+    FSRef ref;
+    EXPECT_TRUE(referenceTo("file://" + item.string() + "?q/r", ref));
+    EXPECT_TRUE(referenceTo("file://" + item.string() + "#f?g", ref));
+    EXPECT_EQ(path(ref), item);
+}
+
+TEST_F(FileReferences, UndoEscapes) {
+    const fs::path item = file("a b%;\xC3\xBC");
+    const std::string start = "file://" + folder().string() + "/";
+    FSRef ref;
+    ASSERT_TRUE(referenceTo(start + "a%20b%25%3b%C3%bc", ref));
+    EXPECT_EQ(path(ref), item);
+    EXPECT_FALSE(referenceTo(start + "%FF", ref)) << "no UTF-8";
+    EXPECT_FALSE(referenceTo(start + "a%00", ref)) << "not part of a path";
+    fs::create_directory(folder() / "s");
+    EXPECT_TRUE(referenceTo("file://" + folder().string() + "%2Fs%2f", ref));
+    EXPECT_EQ(path(ref), folder() / "s");
+}
+
+TEST_F(FileReferences, TakeOneSlashBehindAFileAndNotTwo) {
+    const fs::path item = file("item");
+    FSRef ref;
+    EXPECT_TRUE(referenceTo("file://" + item.string() + "/", ref));
+    EXPECT_FALSE(referenceTo("file://" + item.string() + "//", ref));
+    EXPECT_TRUE(referenceTo("file://" + folder().string() + "//", ref));
+    EXPECT_EQ(path(ref), folder());
+}
+
+TEST_F(FileReferences, OfRelativeUrlsAreThoseOfTheAbsoluteOnes) {
+    fs::create_directory(folder() / "a");
+    const fs::path item = file("a/item");
+    const std::string base = "file://" + folder().string() + "/a/new";
+    const struct {
+        std::string text;
+        fs::path path; // empty: there is none
+    } rows[] = {
+        {.text = "item", .path = item},
+        {.text = "item?q#f", .path = item},
+        {.text = "./item", .path = item},
+        {.text = ".", .path = folder() / "a"},
+        {.text = "..", .path = folder()},
+        {.text = "../a/item", .path = item},
+        {.text = "absent/../item", .path = item}, // folded before the file system sees it
+        {.text = "absent/..", .path = folder() / "a"},
+        {.text = "absent//../item", .path = {}},
+        {.text = "", .path = {}}, // the base itself, which does not exist
+        {.text = "?q", .path = {}},
+        {.text = "#f", .path = {}},
+        {.text = item.string(), .path = item},
+        {.text = "//host" + item.string(), .path = item},
+        {.text = "//" + item.string(), .path = item},
+        {.text = "file://" + item.string(), .path = item},
+        {.text = "http://example.com" + item.string(), .path = {}},
+        {.text = "file:item", .path = {}},
+    };
+    for (const auto &row : rows) {
+        FSRef ref;
+        const bool found = referenceTo(row.text, ref, base);
+        EXPECT_EQ(found ? fs::path(path(ref)) : fs::path(), row.path) << row.text;
+    }
+    FSRef ref;
+    EXPECT_TRUE(referenceTo("", ref, "file://" + item.string()));
+    EXPECT_TRUE(referenceTo("?q", ref, "file://" + item.string() + "#f"));
+    EXPECT_EQ(path(ref), item);
+    EXPECT_FALSE(referenceTo("file://" + folder().string() + "/absent/../a/item", ref))
+        << "an absolute URL is not folded";
+    EXPECT_TRUE(referenceTo(item.string().substr(1), ref, "file://host")) << "a host is a root";
+    EXPECT_EQ(path(ref), item);
+}
+
+TEST_F(FileReferences, OfUrlsThatAreRelativeTwiceOver) {
+    fs::create_directory(folder() / "a");
+    const fs::path item = file("a/item");
+    NSURL *const root = url("file://" + folder().string() + "/", nil);
+    NSURL *const middle = url("absent/../a/", root);
+    FSRef ref;
+    ASSERT_TRUE(CFURLGetFSRef((CFURLRef)url("item", middle), &ref));
+    EXPECT_EQ(path(ref), item);
 }
 
 TEST_F(FileReferences, DoNotFollowALinkButTheFoldersBeforeIt) {
@@ -218,6 +334,24 @@ TEST_F(FileReferences, NamesAreDecomposedAsHfsStoresThem) {
     EXPECT_EQ(name(reference(file("caf\xC3\xA9"))), u"cafe\u0301");
     // U+2260 and U+FB01 stay composed: the one by exception, the other has no canonical form.
     EXPECT_EQ(name(reference(file("\xE2\x89\xA0\xEF\xAC\x81"))), u"\u2260\uFB01");
+}
+
+// The slash is no separator there, but the colon is.
+TEST_F(FileReferences, NamesHaveASlashForAColon) {
+    const fs::path item = file("a:b::");
+    EXPECT_EQ(name(reference(item)), u"a/b//");
+    EXPECT_EQ(path(reference(item)), item);
+}
+
+TEST_F(FileReferences, NamesKeepAByteOrderMark) {
+    const fs::path item = file("\xEF\xBB\xBF"
+                               "a");
+    EXPECT_EQ(name(reference(item)), u"\uFEFFa");
+    const fs::path plain = file("a");
+    EXPECT_EQ(name(reference(plain)), u"a");
+    const fs::path accented = file("\xEF\xBB\xBF\xC3\xA9");
+    FSRef ref;
+    EXPECT_FALSE(reference(folder() / "e\xCC\x81", ref)) << "another name";
 }
 
 TEST_F(FileReferences, NamesThatHfsCannotStoreAreErrors) {

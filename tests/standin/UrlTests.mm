@@ -46,13 +46,91 @@ TEST_F(Urls, WhatFollowsThePathStays) {
 TEST_F(Urls, AboveTheRootIsSpeltWithDots) {
     EXPECT_EQ(withoutLast("file:///"), "file:///../");
     EXPECT_EQ(withoutLast("file:///a/.."), "file:///a/../../");
-    EXPECT_EQ(withoutLast("file:///a/."), "file:///a/./../");
+    EXPECT_EQ(withoutLast("file:///a/../"), "file:///a/../../");
+    EXPECT_EQ(withoutLast("file:///.a"), "file:///");
 }
 
-TEST_F(Urls, WithoutAPathThereIsNoFolderAndNoComponent) {
-    for (const char *text : {"mailto:someone@example.com", "http://example.com", "relative"}) {
+TEST_F(Urls, AFolderThatIsItselfIsLeftOutBeforeTheDots) {
+    EXPECT_EQ(withoutLast("file:///a/."), "file:///a/../");
+    EXPECT_EQ(withoutLast("file:///a/./"), "file:///a/../");
+    EXPECT_EQ(withoutLast("file:///a/./."), "file:///a/./../") << "one of them";
+    EXPECT_EQ(withoutLast("file:///."), "file:///./../") << "not where it starts the path";
+    EXPECT_EQ(withoutLast("file:///a./"), "file:///");
+}
+
+TEST_F(Urls, AnEmptyLastComponentIsNotDeleted) {
+    EXPECT_EQ(withoutLast("file:///a/b//"), "file:///a/b//../");
+    EXPECT_EQ(withoutLast("file:///a/b///"), "file:///a/b///../");
+    EXPECT_EQ(withoutLast("file:////"), "file:////../");
+    EXPECT_EQ(withoutLast("file:///a//b"), "file:///a//");
+    EXPECT_EQ(last("file:///a/b//"), u"");
+    EXPECT_EQ(last("file:////"), u"");
+    EXPECT_EQ(last("file:///////"), u"");
+    EXPECT_EQ(last("file:///a//b"), u"b");
+}
+
+TEST_F(Urls, WithoutAPathThereIsNoFolderAndAnEmptyComponent) {
+    for (const char *text :
+         {"mailto:someone@example.com", "file:", "file:a/b", "file:?q", "file://", "data:,x/y"}) {
         EXPECT_EQ(withoutLast(text), "(null)") << text;
-        EXPECT_EQ(last(text), u"(null)") << text;
+        EXPECT_EQ(last(text), u"") << text;
+    }
+}
+
+TEST_F(Urls, AHostHasAnEmptyPathBehindIt) {
+    EXPECT_EQ(withoutLast("http://example.com"), "http://example.com../");
+    EXPECT_EQ(last("http://example.com"), u"");
+    EXPECT_EQ(withoutLast("file://localhost"), "file://localhost../");
+    EXPECT_EQ(last("file://localhost"), u"");
+    EXPECT_EQ(last("file://localhost/"), u"/");
+}
+
+TEST_F(Urls, WithoutASchemeHaveAPathAllTheSame) {
+    EXPECT_EQ(last("/tmp/x"), u"x");
+    EXPECT_EQ(withoutLast("/tmp/x"), "/tmp/");
+    EXPECT_EQ(last("c.txt"), u"c.txt");
+    EXPECT_EQ(withoutLast("c.txt"), "./");
+    EXPECT_EQ(last("a/b:c"), u"b:c");
+}
+
+TEST_F(Urls, ASemicolonBelongsToThePath) {
+    EXPECT_EQ(last("file:///a/b;c"), u"b;c");
+    EXPECT_EQ(last("file:///a/;"), u";");
+    EXPECT_EQ(last("file:///a;b/c"), u"c");
+    EXPECT_EQ(withoutLast("file:///a;b/c"), "file:///a;b/");
+}
+
+TEST_F(Urls, RelativeOnesKeepTheirBase) {
+    const struct {
+        const char *text;
+        const char *above;
+        const char16_t *last;
+    } rows[] = {
+        {.text = "x", .above = "./", .last = u"x"},
+        {.text = "new/../x", .above = "new/../", .last = u"x"},
+        {.text = "new/..", .above = "new/../../", .last = u".."},
+        {.text = ".", .above = "../", .last = u"."},
+        {.text = "..", .above = "../../", .last = u".."},
+        {.text = "x/?q", .above = "./?q", .last = u"x"},
+        {.text = "", .above = nullptr, .last = u""},
+        {.text = "?q/r", .above = nullptr, .last = u""},
+        {.text = "#f/g", .above = nullptr, .last = u""},
+    };
+    NSURL *const base = [NSURL URLWithString:@"file:///T/a/new"];
+    for (const auto &row : rows) {
+        NSURL *const relative = [NSURL URLWithString:[NSString stringWithUTF8String:row.text]
+                                       relativeToURL:base];
+        const CFStringRef component = CFURLCopyLastPathComponent((CFURLRef)relative);
+        EXPECT_EQ(units(component), row.last) << row.text;
+        CFRelease(component);
+        const CFURLRef above =
+            CFURLCreateCopyDeletingLastPathComponent(nullptr, (CFURLRef)relative);
+        ASSERT_EQ(above == nullptr, row.above == nullptr) << row.text;
+        if (above != nullptr) {
+            EXPECT_STREQ([[(NSURL *)above relativeString] UTF8String], row.above) << row.text;
+            EXPECT_EQ([(NSURL *)above baseURL], base) << row.text;
+            CFRelease(above);
+        }
     }
 }
 
@@ -67,6 +145,15 @@ TEST_F(Urls, TheLastComponentIsUnescaped) {
 
 TEST_F(Urls, EscapesThatAreNoTextGiveNull) {
     EXPECT_EQ(last("file:///a/%FF"), u"(null)");
+    EXPECT_EQ(last("file:///a/%C3b"), u"(null)");
+}
+
+// As bytes that stand alone, each time.
+TEST_F(Urls, EscapesBesideEachOtherAreOneText) {
+    EXPECT_EQ(last("file:///%C3%BCx%C3%9F"), u"\u00FCx\u00DF");
+    EXPECT_EQ(last("file:///%EF%BB%BFa"), u"a") << "a byte order mark is dropped at its start";
+    EXPECT_EQ(last("file:///a%EF%BB%BFb"), u"ab");
+    EXPECT_EQ(last("file:///%61%EF%BB%BFb"), u"a\uFEFFb");
 }
 
 TEST_F(Urls, FileUrlsOfPathsGoBothWays) {
