@@ -32,6 +32,8 @@ struct ProcessState {
     signed char automaticTerminationSupportEnabled = 0;
     std::vector<StandInActivity *> activities;
     std::set<std::string_view> withdrawnSelectors;
+    bool refusesNoReason = false;
+    bool refusesNoActivity = false;
 };
 
 // Never destroyed: activities may be deallocated while the process exits.
@@ -66,7 +68,19 @@ void setAutomaticTerminationSupportEnabled(id, SEL, signed char enabled) {
     state().automaticTerminationSupportEnabled = enabled;
 }
 
+// NSMACHOperatingSystem, in Foundation's own numbering.
+NSUInteger operatingSystem(id, SEL) {
+    return 5;
+}
+NSString *operatingSystemName(id, SEL) {
+    return @"NSMACHOperatingSystem";
+}
+
 id beginActivity(id, SEL, uint64_t options, NSString *reason) {
+    if (state().refusesNoReason && [reason length] == 0) {
+        [NSException raise:NSInvalidArgumentException
+                    format:@"beginActivityWithOptions:reason: takes a reason that is not empty"];
+    }
     StandInActivity *const activity = [[[StandInActivity alloc] init] autorelease];
     activity->options = options;
     activity->reason = [reason copy];
@@ -75,7 +89,7 @@ id beginActivity(id, SEL, uint64_t options, NSString *reason) {
 }
 
 void endActivity(id, SEL, id activity) {
-    if (activity != nil && ![activity isKindOfClass:[StandInActivity class]]) {
+    if (state().refusesNoActivity && ![activity isKindOfClass:[StandInActivity class]]) {
         [NSException raise:NSInvalidArgumentException
                     format:@"endActivity: takes what beginActivityWithOptions:reason: returned, "
                            @"not %@",
@@ -114,6 +128,8 @@ constexpr FeatureMethod featureMethods[] = {
 };
 
 void installMethods(Class info) {
+    replaceMethod(info, "operatingSystem", operatingSystem, "Q16@0:8");
+    replaceMethod(info, "operatingSystemName", operatingSystemName, "@16@0:8");
     replaceMethod(info, "systemUptime", systemUptime, "d16@0:8");
     replaceMethod(info, "disableSuddenTermination", disableSuddenTermination, "v16@0:8");
     replaceMethod(info, "enableSuddenTermination", enableSuddenTermination, "v16@0:8");
@@ -130,7 +146,7 @@ void installMethods(Class info) {
     replaceMethod(info, "respondsToSelector:", respondsToSelector, "c24@0:8:16");
 }
 
-id refuse(id object, SEL selector) {
+id denyMethod(id object, SEL selector) {
     [object doesNotRecognizeSelector:selector];
     return nil;
 }
@@ -145,8 +161,19 @@ void withdraw(Feature feature) {
     for (const FeatureMethod &method : featureMethods) {
         if (method.feature == feature) {
             state().withdrawnSelectors.insert(method.selector);
-            replaceMethod([NSProcessInfo class], method.selector, refuse, "v16@0:8");
+            replaceMethod([NSProcessInfo class], method.selector, denyMethod, "v16@0:8");
         }
+    }
+}
+
+void refuse(Argument argument) {
+    switch (argument) {
+    case Argument::noReason:
+        state().refusesNoReason = true;
+        break;
+    case Argument::noActivity:
+        state().refusesNoActivity = true;
+        break;
     }
 }
 

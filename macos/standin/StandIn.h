@@ -22,6 +22,16 @@ enum class Feature : std::uint8_t {
 /// answers no to respondsToSelector: and does not recognize the messages.
 void withdraw(Feature feature);
 
+/// What the header of macOS forbids without saying what comes of it.
+enum class Argument : std::uint8_t {
+    noReason,   // a nil or empty reason for beginActivityWithOptions:reason:
+    noActivity, // for endActivity: nil, or what is no activity
+};
+
+/// Makes NSProcessInfo raise an NSInvalidArgumentException for the argument, for the rest of the
+/// process's life; until then it takes it without a word.
+void refuse(Argument argument);
+
 /// The answer of thermalState from now on; 0 (nominal) at the start.
 void setThermalState(long state);
 

@@ -61,6 +61,11 @@ TEST_F(ThisProcess, HasFoundationsStrings) {
               [[foundation operatingSystemVersionString] UTF8String]);
 }
 
+TEST_F(ThisProcess, RunsOnMach) {
+    EXPECT_EQ(read("operatingSystem").integer(), 5);
+    EXPECT_EQ(read("operatingSystemName").text(), "NSMACHOperatingSystem");
+}
+
 TEST_F(ThisProcess, IsNamedAsItsProgram) {
     EXPECT_EQ(read("processName").text(), "contract_tests");
 }

@@ -35,17 +35,25 @@ protected:
             reinterpret_cast<void (*)()>([info() methodForSelector:selector]))(info(), selector);
     }
 
+    /// The name of the NSException; empty without one.
+    template <class Operation>
+    static std::string raisedBy(Operation operation) {
+        std::string raised;
+        @try {
+            operation();
+        } @catch (NSException *exception) {
+            raised = [[exception name] UTF8String];
+        }
+        return raised;
+    }
+
     static id<MacProcessInfo> mac() { return (id<MacProcessInfo>)info(); }
 
     static void expectWithdrawn(SEL selector) {
         EXPECT_FALSE([info() respondsToSelector:selector]) << sel_getName(selector);
-        std::string raised;
-        @try {
-            [info() performSelector:selector];
-        } @catch (NSException *exception) {
-            raised = [[exception name] UTF8String];
-        }
-        EXPECT_EQ(raised, "NSInvalidArgumentException") << sel_getName(selector);
+        EXPECT_EQ(raisedBy([=] { [info() performSelector:selector]; }),
+                  "NSInvalidArgumentException")
+            << sel_getName(selector);
     }
 };
 
@@ -126,14 +134,38 @@ TEST_F(ProcessInfo, AnActivityEndsWithItsToken) {
     EXPECT_EQ(standin::activities().size(), 0U);
 }
 
-TEST_F(ProcessInfo, EndingWhatIsNoActivityRaises) {
-    std::string raised;
-    @try {
-        [info() endActivity:@"token"];
-    } @catch (NSException *exception) {
-        raised = [[exception name] UTF8String];
-    }
-    EXPECT_EQ(raised, "NSInvalidArgumentException");
+TEST_F(ProcessInfo, WhatIsNoActivityIsEndedWithoutAWordUntilItIsRefused) {
+    EXPECT_EQ(raisedBy([] { [info() endActivity:@"token"]; }), "");
+    EXPECT_EQ(raisedBy([] { [info() endActivity:none<id>()]; }), "");
+    standin::refuse(standin::Argument::noActivity);
+    EXPECT_EQ(raisedBy([] { [info() endActivity:@"token"]; }), "NSInvalidArgumentException");
+    EXPECT_EQ(raisedBy([] { [info() endActivity:none<id>()]; }), "NSInvalidArgumentException");
+    const id activity = [info() beginActivityWithOptions:0 reason:none<NSString *>()];
+    EXPECT_EQ(raisedBy([&] { [info() endActivity:activity]; }), "");
+    EXPECT_EQ(raisedBy([&] { [info() endActivity:activity]; }), "") << "one that has ended";
+}
+
+TEST_F(ProcessInfo, NoReasonIsAReasonUntilItIsRefused) {
+    const auto begin = [](NSString *reason) {
+        return raisedBy([&] { [info() beginActivityWithOptions:0 reason:reason]; });
+    };
+    EXPECT_EQ(begin(@""), "");
+    EXPECT_EQ(begin(nil), "");
+    EXPECT_EQ(standin::activities().size(), 2U);
+    standin::refuse(standin::Argument::noReason);
+    EXPECT_EQ(begin(@""), "NSInvalidArgumentException");
+    EXPECT_EQ(begin(nil), "NSInvalidArgumentException");
+    EXPECT_EQ(begin(@"r"), "");
+    EXPECT_EQ(standin::activities().size(), 3U);
+}
+
+TEST_F(ProcessInfo, TheOperatingSystemIsMach) {
+    using Send = NSUInteger (*)(id, SEL);
+    const SEL selector = @selector(operatingSystem);
+    EXPECT_EQ(reinterpret_cast<Send>(reinterpret_cast<void (*)()>(
+                  [info() methodForSelector:selector]))(info(), selector),
+              5U);
+    EXPECT_EQ(units([info() operatingSystemName]), u"NSMACHOperatingSystem");
 }
 
 TEST_F(ProcessInfo, RespondsToEveryFeatureAndNothingElse) {
