@@ -29,6 +29,7 @@ TEST_P(HostStringBytes, AreReadInTheirEncoding) {
     HostStringScene scene;
     scene.handOutNoCFString();
     NSString *result = scene.convertBytes(GetParam().bytes, GetParam().encoding);
+    ASSERT_NE(result, nil);
     EXPECT_EQ(unitsOf(result), GetParam().text);
     ASSERT_THAT(scene.host.calls(), testing::SizeIs(9));
     EXPECT_EQ(scene.host.calls()[3], "REALLockString(String#1)");
