@@ -1,5 +1,6 @@
 #include "host/language/Declaration.h"
 
+#include "host/language/Lexer.h"
 #include "host/language/Names.h"
 
 #include <algorithm>
@@ -26,76 +27,48 @@ constexpr std::array typeNames{
     TypeName{"Variant", TypeKind::variant, 8},
 };
 
-bool startsName(char c) {
-    return (folded(c) >= 'a' && folded(c) <= 'z') || c == '_' ||
-           static_cast<unsigned char>(c) >= 0x80;
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-bool continuesName(char c) {
-    return startsName(c) || isDigit(c);
-}
-
 class Parser {
 public:
-    explicit Parser(std::string_view text) : text_(text) {}
+    explicit Parser(std::string_view text) : text_(text), tokens_(tokensOf(text)) {}
 
     MethodDeclaration method();
     ConstantDeclaration constant();
     Type wholeType();
 
 private:
-    [[noreturn]] void fail(std::string_view expected) const {
+    [[noreturn]] void fail(std::string_view expected) const { failAt(next(), expected); }
+    [[noreturn]] void failAt(const Token &token, std::string_view expected) const {
         throw DeclarationError('"' + std::string(text_) + "\": column " +
-                               std::to_string(next_ + 1) + ": expected " + std::string(expected));
+                               std::to_string(token.at.column) + ": expected " +
+                               std::string(expected));
     }
-    void skipBlanks() {
-        while (next_ < text_.size() && (text_[next_] == ' ' || text_[next_] == '\t'))
-            ++next_;
-    }
-    bool atEnd() {
-        skipBlanks();
-        return next_ == text_.size();
-    }
-    bool accept(char c) {
-        if (atEnd() || text_[next_] != c)
+    [[nodiscard]] const Token &next() const { return tokens_[next_]; }
+    [[nodiscard]] bool atEnd() const { return next().kind == TokenKind::end; }
+    bool accept(std::string_view symbol) {
+        if (!next().isSymbol(symbol))
             return false;
         ++next_;
         return true;
     }
-    void expectEnd() {
+    void expectEnd() const {
         if (!atEnd())
             fail("the end");
     }
-    std::string_view peekName() {
-        skipBlanks();
-        std::size_t end = next_;
-        if (end < text_.size() && startsName(text_[end]))
-            while (end < text_.size() && continuesName(text_[end]))
-                ++end;
-        return text_.substr(next_, end - next_);
-    }
     std::string name(std::string_view what) {
-        const std::string_view found = peekName();
-        if (found.empty() || sameName(found, "as"))
+        if (next().kind != TokenKind::name || next().isName("as"))
             fail(what);
-        next_ += found.size();
-        return std::string(found);
+        return std::string(tokens_[next_++].written);
     }
     bool acceptWord(std::string_view word) {
-        const std::string_view found = peekName();
-        if (!sameName(found, word))
+        if (!next().isName(word))
             return false;
-        next_ += found.size();
+        ++next_;
         return true;
     }
     bool acceptBrackets() {
-        if (!accept('('))
+        if (!accept("("))
             return false;
-        if (!accept(')'))
+        if (!accept(")"))
             fail("\")\"");
         return true;
     }
@@ -105,40 +78,26 @@ private:
     std::string literal();
 
     std::string_view text_;
+    std::vector<Token> tokens_;
     std::size_t next_ = 0;
 };
 
 Type Parser::type() {
     const std::string word = name("a type");
-    Type result;
-    const auto *known = std::ranges::find_if(
-        typeNames, [&](const TypeName &row) { return sameName(row.name, word); });
-    if (known != typeNames.end()) {
-        result.kind = known->kind;
-    } else {
-        result.kind = TypeKind::object;
-        result.className = word;
-    }
+    Type result = typeNamed(word);
     result.isArray = acceptBrackets();
     return result;
 }
 
 std::string Parser::literal() {
-    skipBlanks();
-    const std::size_t start = next_;
-    if (accept('"')) {
-        while (next_ < text_.size() && text_[next_] != '"')
-            ++next_;
-        if (!accept('"'))
-            fail("a closing quote");
-    } else {
-        while (next_ < text_.size() && text_[next_] != ',' && text_[next_] != ')' &&
-               text_[next_] != ' ' && text_[next_] != '\t')
-            ++next_;
-    }
-    if (next_ == start)
+    const std::string sign = accept("-") ? "-" : "";
+    const Token &value = next();
+    if (value.kind == TokenKind::wrong)
+        fail(value.value);
+    if (value.kind == TokenKind::symbol || value.kind == TokenKind::end)
         fail("a value");
-    return std::string(text_.substr(start, next_ - start));
+    ++next_;
+    return sign + std::string(value.written);
 }
 
 Parameter Parser::parameter() {
@@ -152,7 +111,7 @@ Parameter Parser::parameter() {
     if (brackets && result.type.isArray)
         fail("one pair of brackets, not two");
     result.type.isArray |= brackets;
-    if (accept('='))
+    if (accept("="))
         result.defaultValue = literal();
     return result;
 }
@@ -162,16 +121,16 @@ void Parser::parameters(std::vector<Parameter> &list) {
         if (!list.empty() && list.back().assigns)
             fail("nothing behind the parameter that \"Assigns\" marks");
         list.push_back(parameter());
-    } while (accept(','));
+    } while (accept(","));
 }
 
 MethodDeclaration Parser::method() {
     MethodDeclaration result;
     result.name = name("a name");
-    if (accept('(')) {
-        if (!accept(')')) {
+    if (accept("(")) {
+        if (!accept(")")) {
             parameters(result.parameters);
-            if (!accept(')'))
+            if (!accept(")"))
                 fail("\")\"");
         }
     }
@@ -189,17 +148,14 @@ MethodDeclaration Parser::method() {
 
 ConstantDeclaration Parser::constant() {
     ConstantDeclaration result{.name = name("a name"), .value = 0};
-    if (!accept('='))
+    if (!accept("="))
         fail("\"=\"");
-    skipBlanks();
-    const std::size_t start = next_;
-    std::string_view value = text_.substr(start);
-    while (!value.empty() && (value.back() == ' ' || value.back() == '\t'))
-        value.remove_suffix(1);
+    const Token &value = next();
     try {
-        result.value = parseInteger(value);
+        result.value = parseInteger(literal());
+        expectEnd();
     } catch (const DeclarationError &) {
-        fail("an integer");
+        failAt(value, "an integer");
     }
     return result;
 }
@@ -219,6 +175,21 @@ bool Type::isHandle() const {
 
 bool Type::operator==(const Type &other) const {
     return kind == other.kind && isArray == other.isArray && sameName(className, other.className);
+}
+
+Type typeNamed(std::string_view word) {
+    const auto *known = std::ranges::find_if(
+        typeNames, [&](const TypeName &row) { return sameName(row.name, word); });
+    if (known != typeNames.end())
+        return {.kind = known->kind, .className = {}};
+    return {.kind = TypeKind::object, .className = std::string(word)};
+}
+
+std::vector<std::string> namesOfTypes() {
+    std::vector<std::string> result;
+    for (const TypeName &row : typeNames)
+        result.emplace_back(row.name);
+    return result;
 }
 
 std::string describe(const Type &type) {

@@ -43,12 +43,17 @@ enum class TypeKind {
 
 struct Type {
     TypeKind kind = TypeKind::integer;
-    std::string className; ///< for object: as written
+    std::string className = {}; ///< for object: as written
     bool isArray = false;
 
     [[nodiscard]] bool isHandle() const;      ///< passed as a host object or host string
     bool operator==(const Type &other) const; ///< class names without regard to case
 };
+
+/// What the word names where a type stands: one of the host's, or else a class.
+Type typeNamed(std::string_view word);
+/// Of the types that are no classes.
+std::vector<std::string> namesOfTypes();
 
 /// As a program would write it: "Integer", "String()", "NSProcessInfoZKT".
 std::string describe(const Type &type);
