@@ -74,6 +74,34 @@ ObjectHandle keyAt(Host &host, ObjectHandle handle, std::int64_t index) {
     return nullptr;
 }
 
+bool hasKey(Host &host, ObjectHandle handle, ObjectHandle key) {
+    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    return data != nullptr && isUsable(host, key) &&
+           data->places.contains(identityOf(unboxed(key)));
+}
+
+ObjectHandle lookup(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHandle otherwise) {
+    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    if (data == nullptr || !isUsable(host, key) || !isUsable(host, otherwise))
+        return nullptr;
+    const auto place = data->places.find(identityOf(unboxed(key)));
+    return place != data->places.end() ? handOut(data->entries[place->second].second)
+                                       : ObjectRef::share(otherwise).release();
+}
+
+/// In order of insertion.
+template <Value std::pair<Value, Value>::*Half>
+ObjectHandle arrayOf(Host &host, ObjectHandle handle) {
+    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+    if (data == nullptr)
+        return nullptr;
+    ObjectRef array = makeArray(objectElements);
+    auto &elements = std::get<ArrayData>(host.heap().find(array.handle())->payload).elements;
+    for (const auto &entry : data->entries)
+        elements.push_back(entry.*Half);
+    return array.release();
+}
+
 Value count(const Object &object) {
     return static_cast<std::int64_t>(std::get<DictionaryData>(object.payload).entries.size());
 }
@@ -87,6 +115,14 @@ void addDictionary(ClassTable &classes) {
                      hostMethod<"Dictionary.Value", setValue>()),
         nativeMethod("Value(key As Variant) As Variant", hostMethod<"Dictionary.Value", value>()),
         nativeMethod("Key(index As Integer) As Variant", hostMethod<"Dictionary.Key", keyAt>()),
+        nativeMethod("HasKey(key As Variant) As Boolean",
+                     hostMethod<"Dictionary.HasKey", hasKey>()),
+        nativeMethod("Lookup(key As Variant, default As Variant) As Variant",
+                     hostMethod<"Dictionary.Lookup", lookup>()),
+        nativeMethod("Keys As Variant()",
+                     hostMethod<"Dictionary.Keys", arrayOf<&std::pair<Value, Value>::first>>()),
+        nativeMethod("Values As Variant()",
+                     hostMethod<"Dictionary.Values", arrayOf<&std::pair<Value, Value>::second>>()),
     };
     type.properties = {Property{.name = "Count", .type = parseType("Integer"), .read = count}};
     classes.add(std::move(type));

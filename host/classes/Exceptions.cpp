@@ -1,5 +1,6 @@
 #include "host/Host.h"
 #include "host/classes/Builtins.h"
+#include "host/classes/CallLine.h"
 #include "host/classes/Instances.h"
 
 #include <array>
@@ -24,9 +25,15 @@ void setErrorNumber(Object &object, const Value &value) {
     std::get<ExceptionData>(object.payload).errorNumber = value.integer();
 }
 
-constexpr std::array<const char *, 6> derivedExceptions{
-    "OutOfMemoryException", "OutOfBoundsException", "IllegalCastException",
-    "NilObjectException",   "KeyNotFoundException", "UnsupportedOperationException",
+void construct(Host &host, ObjectHandle handle, StringHandle text, std::int64_t number) {
+    if (auto *data = payloadOf<ExceptionData>(host.heap(), handle, "RuntimeException"))
+        *data = {.message = StringRef::share(text), .errorNumber = number};
+}
+
+constexpr std::array<const char *, 7> derivedExceptions{
+    "OutOfMemoryException",   "OutOfBoundsException", "IllegalCastException",
+    "NilObjectException",     "KeyNotFoundException", "UnsupportedOperationException",
+    "StackOverflowException",
 };
 
 } // namespace
@@ -42,6 +49,8 @@ void addExceptions(ClassTable &classes) {
                  .read = errorNumber,
                  .write = setErrorNumber},
     };
+    base.methods = {nativeMethod("Constructor(message As String, errorNumber As Integer = 0)",
+                                 hostMethod<"RuntimeException.Constructor", construct>())};
     const HostClass &superclass = classes.add(std::move(base));
     for (const char *name : derivedExceptions)
         classes.add(HostClass{.name = name, .superclass = &superclass});

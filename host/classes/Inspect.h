@@ -34,7 +34,10 @@ Value unboxed(ObjectHandle object);
 /// Codes of one-dimensional arrays.
 inline constexpr std::int32_t stringElements = 3;
 inline constexpr std::int32_t objectElements = 4; ///< objects and Variants
+/// Numbers and Booleans: only programs make such arrays.
+inline constexpr std::int32_t plainElements = 0;
 
+/// Empty.
 ObjectRef makeArray(std::int32_t elementType);
 std::int32_t elementType(ObjectHandle array);
 /// Upper bound plus one.

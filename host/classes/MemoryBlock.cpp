@@ -38,6 +38,30 @@ void *convertToPointer(Host &host, ObjectHandle handle) {
     return services::pointerOfMemoryBlock(host, handle);
 }
 
+/// The byte at the index; null, after an exception, past the end.
+std::byte *byteAt(Host &host, ObjectHandle handle, std::int64_t index) {
+    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+    if (data == nullptr)
+        return nullptr;
+    if (index >= 0 && static_cast<std::uint64_t>(index) < data->size)
+        return data->bytes.get() + index;
+    raiseNew(host, "OutOfBoundsException",
+             "byte " + std::to_string(index) + " of a memory block of " +
+                 std::to_string(data->size) + " bytes");
+    return nullptr;
+}
+
+std::int64_t getByte(Host &host, ObjectHandle handle, std::int64_t index) {
+    const std::byte *byte = byteAt(host, handle, index);
+    return byte == nullptr ? 0 : std::to_integer<std::int64_t>(*byte);
+}
+
+/// The lowest eight bits.
+void setByte(Host &host, ObjectHandle handle, std::int64_t index, std::int64_t value) {
+    if (std::byte *byte = byteAt(host, handle, index))
+        *byte = static_cast<std::byte>(value);
+}
+
 Value size(const Object &object) {
     return static_cast<std::int64_t>(std::get<MemoryData>(object.payload).size);
 }
@@ -77,6 +101,10 @@ void addMemoryBlock(ClassTable &classes) {
     type.methods = {
         nativeMethod("Constructor(bytes As Integer)",
                      hostMethod<"MemoryBlock.Constructor", construct>()),
+        nativeMethod("Byte(index As Integer, Assigns value As Integer)",
+                     hostMethod<"MemoryBlock.Byte", setByte>()),
+        nativeMethod("Byte(index As Integer) As Integer",
+                     hostMethod<"MemoryBlock.Byte", getByte>()),
         nativeMethod("Operator_Convert() As Ptr",
                      hostMethod<"MemoryBlock.Operator_Convert", convertToPointer>()),
     };

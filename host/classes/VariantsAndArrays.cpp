@@ -122,7 +122,9 @@ Value unboxed(ObjectHandle handle) {
 }
 
 ObjectRef makeArray(std::int32_t elementType) {
-    return ObjectRef::adopt(services::createArray(Host::current(), elementType, -1));
+    Object &array = makeInternal(Host::current(), arrayClassName,
+                                 ArrayData{.elementType = elementType, .elements = {}});
+    return ObjectRef::adopt(array.handle());
 }
 
 std::int32_t elementType(ObjectHandle array) {

@@ -70,10 +70,23 @@ std::string inQuotes(std::string_view bytes) {
     return bytes.size() > limit ? result + "..." : result;
 }
 
-std::string shortest(double number) {
+namespace {
+
+template <typename Number>
+std::string shortestOf(Number number) {
     std::array<char, 32> text;
     const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
     return {text.data(), end};
+}
+
+} // namespace
+
+std::string shortest(double number) {
+    return shortestOf(number);
+}
+
+std::string shortestSingle(double number) {
+    return shortestOf(static_cast<float>(number));
 }
 
 } // namespace host

@@ -10,6 +10,8 @@ namespace {
 constexpr std::size_t guardSize = 32;
 constexpr std::byte guardByte{0xFD};
 constexpr std::byte freedByte{0xDB};
+/// Objects that end inside of each other's end.
+constexpr std::size_t deepestFreeing = 200;
 constexpr std::uint64_t liveMagic = 0x6A626F2074736F68; // "host obj"
 
 /// The host's mark at the start of every object. Never read back as truth: the Object beside it
@@ -293,6 +295,9 @@ void Heap::destroy(Object &object) {
 void Heap::free(Object &object) {
     checkMemory(object);
     Payload held = std::exchange(object.payload, Payload{});
+    // What holds what holds what, and so on, ends one after the other, not inside each other.
+    if (freeing_ == deepestFreeing)
+        heldByFreed_.push_back(std::exchange(held, Payload{}));
     object.life = Life::freed;
     object.references = object.hostReferences = 0;
     object.history.add("freed", actor_);
@@ -300,6 +305,14 @@ void Heap::free(Object &object) {
     --liveObjects_;
     quarantine_.push_back(object.handle());
     trimQuarantine();
+    ++freeing_;
+    held = {};
+    while (freeing_ == 1 && !heldByFreed_.empty()) {
+        held = std::move(heldByFreed_.back());
+        heldByFreed_.pop_back();
+        held = {};
+    }
+    --freeing_;
 }
 
 void Heap::free(String &string) {

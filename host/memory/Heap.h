@@ -166,6 +166,8 @@ private:
     std::uint64_t lastString_ = 0;
     std::size_t liveObjects_ = 0;
     std::size_t liveStrings_ = 0;
+    std::size_t freeing_ = 0;
+    std::vector<Payload> heldByFreed_;
 };
 
 } // namespace host

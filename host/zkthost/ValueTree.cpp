@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 
 namespace zkthost {
@@ -24,13 +23,6 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
 /// As JSON writes it: readable, and on one line whatever is in it.
 std::string quoted(const std::string &utf8) {
     return jsonLine(utf8);
-}
-
-std::string shortestSingle(double number) {
-    std::array<char, 32> text{};
-    const auto [end, error] =
-        std::to_chars(text.data(), text.data() + text.size(), static_cast<float>(number));
-    return {text.data(), end};
 }
 
 std::string firstBytes(ObjectHandle block, std::string_view separator) {
