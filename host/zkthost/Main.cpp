@@ -16,6 +16,7 @@
 #include "host/zkthost/ForeignExceptions.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Report.h"
+#include "host/zkthost/RunProgram.h"
 
 #include <unistd.h>
 
@@ -125,7 +126,25 @@ Status convert(host::Host &host, const host::Image &image, const zkthost::Option
     return status == fine ? raisedException : status;
 }
 
+/// What the program keeps alive at its end is told like what the plug-in does.
+Status runProgram(host::Host &host, const zkthost::Options &options) {
+    const std::string &file = options.program.front();
+    const std::string text = zkthost::readProgram(file);
+    load(host, options);
+    const zkthost::ProgramEnd end = zkthost::runProgram(host, file, text);
+    host.shutDown();
+    const Status status = verdict(host);
+    const std::vector<std::string> circles = host::program::circles(host);
+    for (const std::string &circle : circles)
+        print(stderr, "leak: " + circle + '\n');
+    if (end == zkthost::ProgramEnd::refused)
+        return badInput;
+    return end == zkthost::ProgramEnd::fine && circles.empty() ? status : misbehaved;
+}
+
 Status run(host::Host &host, const zkthost::Options &options) {
+    if (options.command == zkthost::Command::run)
+        return runProgram(host, options);
     host::Image &image = load(host, options);
     if (options.command == zkthost::Command::describe) {
         print(stdout, describeClasses(host, options.format));
@@ -146,10 +165,16 @@ Status run(host::Host &host, const zkthost::Options &options) {
     return verdict(host);
 }
 
+/// A program that runs sees itself and its own arguments.
+void startFoundation(int argc, char **argv, const zkthost::Options &options) {
+    const int count = static_cast<int>(options.program.size());
+    host::startFoundation(count > 0 ? count : argc, count > 0 ? argv + argc - count : argv,
+                          environ);
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
-    host::startFoundation(argc, argv, environ);
     // verdict() prints them; a host that dies early has its cause printed instead.
     host::Host::onUnexamined([](const std::string &) {});
     zkthost::Options options;
@@ -163,6 +188,7 @@ int main(int argc, char **argv) {
     } catch (const zkthost::InputError &error) {
         return complain(error.what(), badInput);
     }
+    startFoundation(argc, argv, options);
     // Outside of what exceptions leave: an NSException may live in the host's autorelease pool.
     host::Host host(options.host);
     try {

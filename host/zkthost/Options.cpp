@@ -35,6 +35,21 @@ std::string namesOfServices() {
     return text;
 }
 
+/// Behind "run" and its options everything is the program's: its file and its arguments, whatever
+/// they look like. All arguments when there is no "run".
+int argumentsBeforeProgram(const CLI::App &app, int argc, const char *const *argv) {
+    const auto pastOptions = [&](int place) {
+        while (place < argc && std::string_view(argv[place]).starts_with("--")) {
+            const CLI::Option *option = app.get_option_no_throw(argv[place]);
+            place += option != nullptr && option->get_items_expected_max() > 0 ? 2 : 1;
+        }
+        return std::min(place, argc);
+    };
+    const int command = pastOptions(1);
+    return command < argc && std::string_view(argv[command]) == "run" ? pastOptions(command + 1)
+                                                                      : argc;
+}
+
 } // namespace
 
 CommandLine parseCommandLine(int argc, const char *const *argv) {
@@ -103,8 +118,14 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
         ->excludes(plist);
     convert->add_option("--format", format, "text or json");
 
+    CLI::App *run = app.add_subcommand(
+        "run", "run FILE [ARGUMENTS]: a program of the host's language (- for standard input), "
+               "which sees the ARGUMENTS as its own; on a terminal without FILE, a prompt");
+
     try {
-        app.parse(argc, argv);
+        const int ours = argumentsBeforeProgram(app, argc, argv);
+        options.program.assign(argv + ours, argv + argc);
+        app.parse(ours, argv);
     } catch (const CLI::CallForHelp &) {
         result.text = app.help();
         return result;
@@ -112,11 +133,12 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
         throw InputError(std::string(error.what()) + " (zkthost --help lists what there is)");
     }
     if (app.get_subcommands().empty())
-        throw InputError(
-            "no command: describe, report, call or convert (zkthost --help lists what there is)");
+        throw InputError("no command: describe, report, call, convert or run (zkthost --help lists "
+                         "what there is)");
     options.command = describe->parsed()  ? Command::describe
                       : call->parsed()    ? Command::call
                       : convert->parsed() ? Command::convert
+                      : run->parsed()     ? Command::run
                                           : Command::report;
     const auto &formats = describe->parsed() ? describeFormats : reportFormats;
     const auto chosen = formats.find(format);

@@ -13,7 +13,7 @@
 
 namespace zkthost {
 
-enum class Command { describe, report, call, convert };
+enum class Command { describe, report, call, convert, run };
 
 struct Options {
     Command command = Command::report;
@@ -23,6 +23,8 @@ struct Options {
     host::HostOptions host = {};
     std::vector<std::string> withoutServices = {};
     std::string expression = {}; ///< of call
+    /// Of run: the program's file and arguments; nothing for the prompt.
+    std::vector<std::string> program = {};
     // Of convert, at most one; neither: the example.
     std::optional<std::filesystem::path> propertyList = {};
     std::optional<std::string> cocoaClass = {};
