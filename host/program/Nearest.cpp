@@ -1,8 +1,7 @@
 #include "host/program/Nearest.h"
 
+#include "host/language/EditDistance.h"
 #include "host/language/Names.h"
-
-#include <llvm/ADT/StringRef.h>
 
 #include <algorithm>
 
@@ -11,7 +10,7 @@ namespace host::program {
 std::string nearestAmong(const std::vector<std::string> &names, std::string_view wanted) {
     const std::string folded = foldedName(wanted);
     const auto distance = [&](const std::string &name) {
-        return llvm::StringRef(foldedName(name)).edit_distance(folded);
+        return editDistance(foldedName(name), folded);
     };
     const auto nearest = std::ranges::min_element(names, {}, distance);
     const std::size_t most = std::min<std::size_t>(wanted.size() / 2, 1 + wanted.size() / 4);
