@@ -5,6 +5,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "FileReferences.h"
+#include "Methods.h"
 #include "Misuse.h"
 #include "UrlText.h"
 
@@ -34,7 +35,23 @@ std::string absoluteText(NSURL *url) {
     return [url baseURL] == nil ? text : standin::resolved(text, absoluteText([url baseURL]));
 }
 
+// As it was given where GNUstep writes it anew ("FILE:/a" as "File:///a"), and folded.
+id absoluteString(id url, SEL) {
+    return fromUtf8(absoluteText(url));
+}
+
 } // namespace
+
+@interface StandInUrls : NSObject
+@end
+
+@implementation StandInUrls
+
++ (void)load {
+    standin::replaceMethod([NSURL class], "absoluteString", absoluteString, "@16@0:8");
+}
+
+@end
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef *fsRef) {
     standin::requireObject(url, __func__);

@@ -74,6 +74,31 @@ std::string folded(std::string_view path) {
     return result;
 }
 
+// A base without a path is a root folder.
+std::string joined(std::string_view path, std::string_view base) {
+    if (path.starts_with('/')) {
+        return std::string(path);
+    }
+    if (base.empty()) {
+        return '/' + std::string(path);
+    }
+    return folded(std::string(base.substr(0, base.rfind('/') + 1)).append(path));
+}
+
+// Query and fragment, with what introduces them.
+std::string_view tailOf(std::string_view url) {
+    return url.substr(std::min(url.find_first_of("?#"), url.size()));
+}
+
+// The base's fragment is only kept by a URL without text of its own.
+std::string resolvedTail(std::string_view tail, std::string_view base) {
+    if (tail.empty()) {
+        return std::string(base);
+    }
+    std::string text(tail.starts_with('#') ? base.substr(0, base.find('#')) : "");
+    return text.append(tail);
+}
+
 int digit(char unit) {
     constexpr std::string_view digits = "0123456789abcdef0123456789ABCDEF";
     const std::size_t at = digits.find(unit);
@@ -157,22 +182,17 @@ std::string resolved(std::string_view url, std::string_view base) {
         return std::string(url);
     }
     const UrlParts below = partsOf(base);
-    const bool hasOwnAuthority = !parts.authority.empty();
     std::string text(below.scheme);
-    text += "://";
-    text += hasOwnAuthority ? parts.authority : below.authority;
-    const std::string_view path = parts.path.value_or("");
+    text += below.scheme.empty() ? "" : ":";
+    if (!parts.authority.empty()) {
+        return text.append(url);
+    }
+    text.append("//").append(below.authority);
     const std::string_view basePath = below.path.value_or("");
     if (!parts.path) {
-        return text.append(basePath);
+        return text.append(basePath).append(resolvedTail(tailOf(url), tailOf(base)));
     }
-    if (hasOwnAuthority || path.starts_with('/')) {
-        return text.append(path);
-    }
-    // A base without a path is a root folder.
-    std::string joined(basePath.empty() ? "/" : basePath.substr(0, basePath.rfind('/') + 1));
-    joined.append(path);
-    return text + (basePath.empty() ? joined : folded(joined));
+    return text.append(joined(*parts.path, basePath)).append(tailOf(url));
 }
 
 std::optional<std::string> fileSystemPath(std::string_view url) {

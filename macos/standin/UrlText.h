@@ -19,8 +19,8 @@ struct UrlParts {
 /// The parts point into the text. Behind a scheme that no slash follows there is no path.
 UrlParts partsOf(std::string_view url);
 
-/// What a URL comes to against an absolute one, without query and fragment. "." and ".." are folded
-/// where a path is joined with the base's, and only there.
+/// What a URL comes to against an absolute one. "." and ".." are folded where a path is joined with
+/// the base's, and only there.
 std::string resolved(std::string_view url, std::string_view base);
 
 /// The path that an absolute file URL names, its escapes undone, without a slash at its end.

@@ -165,6 +165,23 @@ TEST(UrlVariant, IsTheAbsoluteStringOfARelativeUrl) {
     EXPECT_EQ(textOf(scene.host, scene.convert(url)), "http://example.com/a/b/c");
 }
 
+TEST(UrlVariant, IsFoldedWhereItWasRelativeAndElseAsItWasGiven) {
+    ValueScene scene;
+    NSURL *const base = [NSURL URLWithString:@"http://example.com/a/b"];
+    const struct {
+        NSURL *url;
+        const char *text;
+    } rows[] = {
+        {[NSURL URLWithString:@"../c?q#f" relativeToURL:base], "http://example.com/c?q#f"},
+        {[NSURL URLWithString:@"" relativeToURL:base], "http://example.com/a/b"},
+        {[NSURL URLWithString:@"http://example.com/a/../c"], "http://example.com/a/../c"},
+        {[NSURL URLWithString:@"FILE:no/path"], "FILE:no/path"},
+        {[NSURL URLWithString:@"http://user@example.com/#"], "http://user@example.com/#"},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(textOf(scene.host, scene.convert(row.url)), row.text);
+}
+
 TEST(UrlVariant, IsTheAbsoluteStringOfAFileInNoFolder) {
     ValueScene scene;
     NSURL *const url = [NSURL URLWithString:@"file:///no/such/folder/file%20name"];

@@ -213,6 +213,8 @@ TEST_F(FileReferences, OfUrlsThatAreRelativeTwiceOver) {
     FSRef ref;
     ASSERT_TRUE(CFURLGetFSRef((CFURLRef)url("item", middle), &ref));
     EXPECT_EQ(path(ref), item);
+    ASSERT_TRUE(CFURLGetFSRef((CFURLRef)url("", middle), &ref));
+    EXPECT_EQ(path(ref), folder() / "a");
 }
 
 TEST_F(FileReferences, DoNotFollowALinkButTheFoldersBeforeIt) {

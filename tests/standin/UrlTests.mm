@@ -134,6 +134,49 @@ TEST_F(Urls, RelativeOnesKeepTheirBase) {
     }
 }
 
+TEST_F(Urls, HaveTheTextThatTheyWereMadeOf) {
+    for (const char *text : {"file:///a/b", "FILE:/a", "file:a/b", "http://u:p@example.com:8/a?#",
+                             "http://example.com/a/../b", "mailto:x@y", "/tmp/x", ""}) {
+        EXPECT_STREQ([[(NSURL *)url(text) absoluteString] UTF8String], text);
+    }
+    NSURL *const file = [NSURL fileURLWithPath:@"/a b"];
+    EXPECT_STREQ([[file absoluteString] UTF8String], "file:///a%20b");
+}
+
+TEST_F(Urls, RelativeOnesAreFoldedIntoTheirBase) {
+    const struct {
+        const char *text;
+        const char *absolute;
+    } rows[] = {
+        {.text = "x", .absolute = "http://h/a/b/x"},
+        {.text = "x?r#g", .absolute = "http://h/a/b/x?r#g"},
+        {.text = "./x", .absolute = "http://h/a/b/x"},
+        {.text = "../x", .absolute = "http://h/a/x"},
+        {.text = "..", .absolute = "http://h/a/"},
+        {.text = ".", .absolute = "http://h/a/b/"},
+        {.text = "x/./y/..", .absolute = "http://h/a/b/x/"},
+        {.text = "../../../x", .absolute = "http://h/../x"}, // nothing left to go up from
+        {.text = ".x/..y", .absolute = "http://h/a/b/.x/..y"},
+        {.text = "x//../y", .absolute = "http://h/a/b/x/y"},
+        {.text = "/x/../y", .absolute = "http://h/x/../y"}, // only what is joined
+        {.text = "", .absolute = "http://h/a/b/c?q#f"},
+        {.text = "?r", .absolute = "http://h/a/b/c?r"},
+        {.text = "#g", .absolute = "http://h/a/b/c?q#g"},
+        {.text = "?r#g", .absolute = "http://h/a/b/c?r#g"},
+        {.text = "//i/x/../y?r", .absolute = "http://i/x/../y?r"},
+        {.text = "file:///x", .absolute = "file:///x"},
+    };
+    NSURL *const base = [NSURL URLWithString:@"http://h/a/b/c?q#f"];
+    for (const auto &row : rows) {
+        NSURL *const relative = [NSURL URLWithString:[NSString stringWithUTF8String:row.text]
+                                       relativeToURL:base];
+        EXPECT_STREQ([[relative absoluteString] UTF8String], row.absolute) << row.text;
+    }
+    NSURL *const host = [NSURL URLWithString:@"http://h"];
+    EXPECT_STREQ([[[NSURL URLWithString:@"x/.." relativeToURL:host] absoluteString] UTF8String],
+                 "http://h/x/..");
+}
+
 TEST_F(Urls, TheLastComponentIsUnescaped) {
     EXPECT_EQ(last("file:///a/b"), u"b");
     EXPECT_EQ(last("file:///a/b/"), u"b");
