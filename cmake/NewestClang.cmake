@@ -1,11 +1,11 @@
 # The newest clang installed, as an absolute path in CLANG_C and CLANG_CXX, its version in
 # CLANG_VERSION. Its tools (lld, llvm-ar, ...) are taken from the same installation, so that the
 # bitcode and unwind formats agree.
-if(CLANG_CXX)
-    return()
-endif()
+# -DCLANG_CXX=PATH names another clang++.
 file(GLOB candidates /usr/lib/llvm-*/bin/clang++)
-if(candidates)
+if(CLANG_CXX)
+    list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CLANG_CXX)
+elseif(candidates)
     list(SORT candidates COMPARE NATURAL ORDER DESCENDING)
     list(GET candidates 0 CLANG_CXX)
 else()
@@ -14,6 +14,13 @@ else()
 endif()
 get_filename_component(CLANG_BIN ${CLANG_CXX} DIRECTORY)
 set(CLANG_C ${CLANG_BIN}/clang)
+if(NOT EXISTS ${CLANG_C})
+    message(FATAL_ERROR "There is no clang beside ${CLANG_CXX}.")
+endif()
+if(CMAKE_CXX_COMPILER AND NOT CMAKE_CXX_COMPILER STREQUAL CLANG_CXX)
+    message(FATAL_ERROR "This project is built with clang; to choose one, say -DCLANG_CXX=PATH "
+                        "instead of -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}.")
+endif()
 execute_process(COMMAND ${CLANG_C} -dumpversion OUTPUT_VARIABLE CLANG_VERSION
                 OUTPUT_STRIP_TRAILING_WHITESPACE)
 # Older versions of lld write broken unwind tables for Mach-O.

@@ -8,13 +8,15 @@ if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Darwin")
 endif()
 
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES APPLE_SDK)
-if(NOT APPLE_SDK)
+if(APPLE_SDK)
+    set(advice "")
+else()
     set(APPLE_SDK ${CMAKE_CURRENT_LIST_DIR}/../build/sdk)
+    set(advice " 'cmake -P cmake/AppleSdk.cmake' assembles it.")
 endif()
 file(REAL_PATH ${APPLE_SDK} APPLE_SDK)
 if(NOT EXISTS ${APPLE_SDK}/usr/lib/libSystem.tbd)
-    message(FATAL_ERROR "${APPLE_SDK} is not an SDK (no usr/lib/libSystem.tbd). "
-                        "'cmake -P cmake/AppleSdk.cmake' assembles one in build/sdk.")
+    message(FATAL_ERROR "${APPLE_SDK} is no SDK (it has no usr/lib/libSystem.tbd).${advice}")
 endif()
 
 include(${CMAKE_CURRENT_LIST_DIR}/NewestClang.cmake)

@@ -1,0 +1,1 @@
+// Nothing: the precompiled header belongs to a target, and a target wants a source.
