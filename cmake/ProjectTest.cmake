@@ -43,7 +43,8 @@ endfunction()
 
 # project_test(NAME sources...): a GoogleTest program with the usual main, and its tests.
 function(project_test NAME)
-    test_program(${NAME} ${ARGN} ${CMAKE_SOURCE_DIR}/tests/runner/Main.cpp)
+    test_program(${NAME} ${ARGN})
+    target_link_libraries(${NAME} PRIVATE test_main)
     test_set(${NAME} ${NAME})
 endfunction()
 

@@ -14,6 +14,7 @@
 #include <functional>
 #include <optional>
 #include <ostream>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,9 +23,10 @@ namespace matrix {
 
 enum class Fault { none, missing, null, badAlloc, outOfRange, lengthError, number, cocoa };
 
-inline constexpr Fault faults[] = {Fault::missing,    Fault::null,        Fault::badAlloc,
-                                   Fault::outOfRange, Fault::lengthError, Fault::number,
-                                   Fault::cocoa};
+/// The states to try: all of them, or one of each kind once tryFewFaults was called. Which C++
+/// exception passes makes no difference to memory.
+std::span<const Fault> faults();
+void tryFewFaults();
 
 std::string_view nameOf(Fault fault);
 /// Throws what a service in that state throws; returns for the states that do not.

@@ -10,6 +10,12 @@ namespace matrix {
 
 namespace {
 
+constexpr Fault everyFault[] = {Fault::missing,    Fault::null,        Fault::badAlloc,
+                                Fault::outOfRange, Fault::lengthError, Fault::number,
+                                Fault::cocoa};
+constexpr Fault fewFaults[] = {Fault::missing, Fault::badAlloc, Fault::cocoa};
+bool few = false;
+
 constexpr const char *unnamed = "Sorry, but there was an unnamed C++ Exception.";
 
 std::string mappingOf(Fault fault) {
@@ -41,6 +47,14 @@ Aftermath reported(const Aftermath &after) {
 }
 
 } // namespace
+
+std::span<const Fault> faults() {
+    return few ? std::span<const Fault>(fewFaults) : everyFault;
+}
+
+void tryFewFaults() {
+    few = true;
+}
 
 std::string_view nameOf(Fault fault) {
     constexpr std::string_view names[] = {"present",

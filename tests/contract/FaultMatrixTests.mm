@@ -89,17 +89,17 @@ TEST_P(FaultMatrix, ShowsOfEveryFaultWhatTheTableSays) {
     int cells = 1;
     Scene::Services unused;
     for (const std::string_view service : host::Services::names()) {
-        cells += static_cast<int>(std::size(faults));
+        cells += static_cast<int>(faults().size());
         const Row *row = rowOf(operation, service);
         if (row == nullptr) {
             unused.push_back(service);
             continue;
         }
-        for (const Fault fault : faults)
+        for (const Fault fault : faults())
             EXPECT_EQ(seenWith({service}, fault, row->once), expected(*row, fault).text())
                 << cell(service, fault);
     }
-    for (const Fault fault : faults)
+    for (const Fault fault : faults())
         expectUnchanged(unused, fault);
     printCells(cells);
 }
@@ -114,7 +114,7 @@ TEST_P(FaultMatrix, HarmsNoLaterRun) {
     const std::string second = afterwards({}, Fault::none, false);
     int cells = 1;
     for (const Row &row : operation.rows)
-        for (const Fault fault : faults) {
+        for (const Fault fault : faults()) {
             ++cells;
             const bool silent = fault == Fault::missing || fault == Fault::null;
             const Lines expected = row.remembered && silent ? Lines{row.silent.ofOneRun().text()}

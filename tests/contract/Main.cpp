@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "FaultMatrix.h"
 #include "ImageUnderTest.h"
 #include "IsolatedRun.h"
 #include "RowMessages.h"
@@ -38,6 +39,8 @@ int main(int argc, char **argv) {
         ->check(CLI::ExistingPath);
     app.add_flag_callback(
         "--ask-every-row", [] { askEveryRow(true); }, "convert without the short way to a row");
+    app.add_flag_callback("--few-faults", matrix::tryFewFaults,
+                          "break the host's services in three ways instead of seven");
     run.addOptionsTo(app);
     if (const auto end = parseCommandLine(app, argc, argv))
         return *end;

@@ -1,5 +1,7 @@
 #include "IsolatedRun.h"
 
+#include "JUnitReport.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,7 +65,11 @@ std::regex expression(const char *option, const std::string &text) {
 Names testsOf(const IsolatedRun &run) {
     Names names = run.order.empty() ? allTests() : linesOf(run.order);
     const std::regex wanted = expression("--matching", run.matching);
-    std::erase_if(names, [&](const std::string &name) { return !std::regex_search(name, wanted); });
+    const std::regex unwanted = expression("--except", run.except);
+    std::erase_if(names, [&](const std::string &name) {
+        return !std::regex_search(name, wanted) ||
+               (!run.except.empty() && std::regex_search(name, unwanted));
+    });
     return names;
 }
 
@@ -126,13 +132,16 @@ public:
                    << std::endl; // forks copy what is buffered
         if (status != 0) {
             ++failed_;
-            std::cout << output << "FAILED " << child.test << ' '
-                      << endOf(status, run_.secondsPerTest) << std::endl;
+            const std::string end = endOf(status, run_.secondsPerTest);
+            junit_.addFailed(child.test, duration.count(), end, output);
+            std::cout << output << "FAILED " << child.test << ' ' << end << std::endl;
         } else if (output.find("[  SKIPPED ]") != std::string::npos) {
             ++skipped_;
+            junit_.addSkipped(child.test, duration.count());
             std::cout << "skipped " << child.test << std::endl;
         } else {
             ++passed_;
+            junit_.addPassed(child.test, duration.count());
         }
         static const std::regex cells("(^|\n)([0-9]+) cells\n");
         for (std::sregex_iterator each(output.begin(), output.end(), cells), end; each != end;
@@ -150,6 +159,8 @@ public:
         if (cells_ > 0)
             std::cout << ", " << cells_ << " cells of the matrices";
         std::cout << ", in " << static_cast<int>(duration.count()) << " s" << std::endl;
+        if (!run_.junit.empty())
+            junit_.write(run_.junit, label, duration.count());
         return failed_ == 0 && passed_ + skipped_ > 0 ? 0 : 1;
     }
 
@@ -158,6 +169,7 @@ private:
     std::size_t tests_;
     Clock::time_point start_ = Clock::now();
     std::ofstream durations_;
+    JUnitReport junit_;
     std::size_t passed_ = 0, failed_ = 0, skipped_ = 0, cells_ = 0;
 };
 
@@ -188,6 +200,8 @@ void IsolatedRun::addOptionsTo(CLI::App &app) {
     app.add_option("--jobs", jobs, "isolated tests at a time (default: one a processor)");
     app.add_option("--seconds-per-test", secondsPerTest, "time limit of an isolated test");
     app.add_option("--matching", matching, "only isolated tests whose name matches this regex");
+    app.add_option("--except", except, "no isolated tests whose name matches this regex");
+    app.add_option("--junit", junit, "file to write the isolated tests' results to, as XML");
     app.add_option("--order", order, "file with the names of the tests to run isolated");
     app.add_option("--durations", durations, "file to write the isolated tests' seconds to");
     app.add_flag("--stop-at-first-failure", stopAtFirstFailure);

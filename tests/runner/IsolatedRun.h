@@ -12,8 +12,10 @@ struct IsolatedRun {
     unsigned jobs = 0;   ///< tests at a time; 0: one for each processor
     unsigned secondsPerTest = 300;        ///< after which a test is killed and has failed
     std::string matching = {};            ///< regular expression; empty: all tests
+    std::string except = {};              ///< regular expression of tests to leave out; empty: none
     std::filesystem::path order = {};     ///< file of names, one a line, to run in that order
     std::filesystem::path durations = {}; ///< file to write: "SECONDS NAME" for each test
+    std::filesystem::path junit = {};     ///< file to write: the results as XML
     bool stopAtFirstFailure = false;
 
     void addOptionsTo(CLI::App &app);
