@@ -63,7 +63,7 @@ TEST_P(ProgramOfTests, RefusesWhatItCannotWorkWith) {
     EXPECT_THAT(run.err, HasSubstr(GetParam().mentioned));
 }
 
-TEST(ProgramOfTests, HelpsAndEnds) {
+TEST(ProgramsOfTests, HelpAndEnd) {
     for (const char *program : {CONTRACT_TESTS, SOAK}) {
         const Finished run = runProgram(program, {"--help"});
         EXPECT_EQ(run.signal, 0);
