@@ -18,8 +18,8 @@ using RowIndex = std::uint8_t;
 constexpr RowIndex noRow = std::numeric_limits<RowIndex>::max();
 static_assert(std::size(classRows) < noRow);
 
-// The rows by class name. Shorter names come first: most names that are looked up are in no row,
-// and mostly their length and first characters tell.
+// The rows by class name, the shorter names first: where a name is in no row, its length mostly
+// tells.
 struct NamedRow {
     std::string_view name;
     RowIndex row;
@@ -39,6 +39,8 @@ constexpr auto namedRows = [] {
     std::sort(rows.begin(), rows.end());
     return rows;
 }();
+static_assert(std::ranges::all_of(namedRows,
+                                  [](const NamedRow &row) { return row.name.starts_with("NS"); }));
 
 bool isCoreFoundationBoolean(NSObject *object) {
     return object == (id)kCFBooleanFalse || object == (id)kCFBooleanTrue;
@@ -62,6 +64,7 @@ bool isKindOf(NSObject *object, const char *className) {
 // there as long as the plug-in is, and are looked up once.
 constinit bool foundationLookedUp = false;
 constinit Class valueClasses[valueRowCount] = {};
+constinit std::uintptr_t lowestValueClass = std::numeric_limits<std::uintptr_t>::max();
 constinit Class rootClass = Nil;
 
 // NSObject's own methods; null when they had been replaced by the first conversion. On macOS,
@@ -82,8 +85,10 @@ IMP ownMethod(Class cls, SEL selector) {
 
 [[gnu::noinline, gnu::cold]] void lookUpFoundation() {
     for (std::size_t row = 0; row != valueRowCount; ++row)
-        if (row != booleanRow)
+        if (row != booleanRow) {
             valueClasses[row] = objc_getClass(classRows[row].cocoaClass);
+            lowestValueClass = std::min(lowestValueClass, (std::uintptr_t)valueClasses[row]);
+        }
     rootClass = [NSObject class];
     isKindOfClassOfNSObject = ownMethod(rootClass, @selector(isKindOfClass:));
     classOfNSObject = ownMethod(rootClass, @selector(class));
@@ -100,6 +105,8 @@ bool answersAsNSObject(Class cls) {
 
 // The value row of a class, or noRow.
 RowIndex valueRowOf(Class cls) {
+    if ((std::uintptr_t)cls < lowestValueClass) // as the program's own are
+        return noRow;
     const auto *found = std::ranges::find(valueClasses, cls);
     return found != std::end(valueClasses) ? static_cast<RowIndex>(found - std::begin(valueClasses))
                                            : noRow;
@@ -107,8 +114,7 @@ RowIndex valueRowOf(Class cls) {
 
 // The row of any other class, or noRow. Such classes come and go, so that a name says little: the
 // row's class is the one that is loaded under the name now.
-RowIndex pairRowOf(Class cls) {
-    const char *name = class_getName(cls);
+RowIndex pairRowOf(Class cls, const char *name) {
     const auto *found = std::lower_bound(namedRows.begin(), namedRows.end(), NamedRow{name, noRow});
     return found != namedRows.end() && found->name == name && objc_getClass(name) == cls
                ? found->row
@@ -124,7 +130,9 @@ const ClassRow *firstRowOfAncestors(NSObject *object, Class cls) {
             first = value;
             break;
         }
-        first = std::min(first, pairRowOf(each));
+        const char *name = class_getName(each);
+        if (name[0] == 'N' && name[1] == 'S') // unlike most
+            first = std::min(first, pairRowOf(each, name));
     }
     if (first > booleanRow && isCoreFoundationBoolean(object))
         first = booleanRow;
