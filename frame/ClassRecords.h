@@ -10,8 +10,8 @@
 // little-endian, eight bytes a slot. The host keeps pointers into them, and into the texts they
 // name, for as long as the library is loaded; it writes only PluginClassRecord::dataOffset.
 
-// The functions that a record can name, by the shape in which the host calls them. One slot each.
-// An instance is passed first; accessors get their row's parameter behind it.
+/// The functions that a record can name, by the shape in which the host calls them. One slot each.
+/// An instance is passed first; accessors get their row's parameter behind it.
 union PropertyGetter {
     std::intptr_t marker;
     std::int64_t (*integer)(REALobjectStruct *, std::intptr_t);
@@ -63,18 +63,14 @@ union MethodFunction {
     constexpr MethodFunction(decltype(sharedString) function) : sharedString(function) {}
 };
 
-// A property with this marker as getter and setter has no functions: the host itself reads and
-// writes the field at `parameter` bytes into the instance data, in the width of the type.
-inline constexpr std::intptr_t hostAccessesField = -1;
-
 struct PluginPropertyRecord {
     const char *group = nullptr;
     const char *name = nullptr;
     const char *type = nullptr; // as the host language names it
     std::int64_t flags = 6;
     PropertyGetter getter;
-    PropertySetter setter{}; // zero: read-only
-    std::int64_t parameter = 0;
+    PropertySetter setter{};    // zero: read-only
+    std::int64_t parameter = 0; // of a field: its offset
     std::array<std::int64_t, 5> unused{};
 };
 
@@ -123,58 +119,60 @@ struct PluginClassRecord {
     std::int64_t enumerationCount = 0;
 };
 
-static_assert(sizeof(void *) == 8);
+// The host language's types: what getters and setters of a property exchange, and their names.
+namespace hostType {
 
-static_assert(sizeof(PropertyGetter) == 8 && sizeof(PropertySetter) == 8);
+template <class ReadValue, class WrittenValue = ReadValue>
+struct HostType {
+    const char *name;
+};
+
+inline constexpr HostType<std::int64_t> Integer{"Integer"};
+inline constexpr HostType<std::uint64_t> UInt64{"UInt64"};
+inline constexpr HostType<double> Double{"Double"};
+inline constexpr HostType<std::int32_t, std::int8_t> Boolean{"Boolean"};
+inline constexpr HostType<REALstringStruct *> String{"String"};
+inline constexpr HostType<REALobjectStruct *> Dictionary{"Dictionary"};
+
+} // namespace hostType
+
+// The rows of a class's tables. An accessor of another type than its property's does not compile.
+
+template <class Read, class Written>
+consteval PluginPropertyRecord property(const char *name, hostType::HostType<Read, Written> type,
+                                        Read (*getter)(REALobjectStruct *, std::intptr_t)) {
+    return {.name = name, .type = type.name, .getter = getter};
+}
+
+template <class Read, class Written>
+consteval PluginPropertyRecord property(const char *name, hostType::HostType<Read, Written> type,
+                                        Read (*getter)(REALobjectStruct *, std::intptr_t),
+                                        void (*setter)(REALobjectStruct *, std::intptr_t,
+                                                       Written)) {
+    return {.name = name, .type = type.name, .getter = getter, .setter = setter};
+}
+
+/// Without functions: the host itself reads and writes the field at that offset, in bytes, of the
+/// instance data, in the width of the type.
+template <class Read, class Written>
+consteval PluginPropertyRecord field(const char *name, hostType::HostType<Read, Written> type,
+                                     std::size_t offset) {
+    constexpr std::intptr_t hostAccessesField = -1;
+    return {.name = name,
+            .type = type.name,
+            .getter = hostAccessesField,
+            .setter = hostAccessesField,
+            .parameter = static_cast<std::int64_t>(offset)};
+}
+
+consteval PluginMethodRecord method(const char *declaration, MethodFunction function,
+                                    std::int64_t flags = 4) {
+    return {.function = function, .declaration = declaration, .flags = flags};
+}
+
+/// Nothing but slots of eight bytes, the first with padding, so that the sizes pin every offset.
+static_assert(sizeof(void *) == 8 && offsetof(PluginClassRecord, name) == 8);
 static_assert(sizeof(PluginPropertyRecord) == 96);
-static_assert(offsetof(PluginPropertyRecord, group) == 0);
-static_assert(offsetof(PluginPropertyRecord, name) == 8);
-static_assert(offsetof(PluginPropertyRecord, type) == 16);
-static_assert(offsetof(PluginPropertyRecord, flags) == 24);
-static_assert(offsetof(PluginPropertyRecord, getter) == 32);
-static_assert(offsetof(PluginPropertyRecord, setter) == 40);
-static_assert(offsetof(PluginPropertyRecord, parameter) == 48);
-static_assert(offsetof(PluginPropertyRecord, unused) == 56);
-
-static_assert(sizeof(MethodFunction) == 8);
 static_assert(sizeof(PluginMethodRecord) == 48);
-static_assert(offsetof(PluginMethodRecord, function) == 0);
-static_assert(offsetof(PluginMethodRecord, secondFunction) == 8);
-static_assert(offsetof(PluginMethodRecord, declaration) == 16);
-static_assert(offsetof(PluginMethodRecord, flags) == 24);
-static_assert(offsetof(PluginMethodRecord, unused) == 32);
-
 static_assert(sizeof(PluginConstantRecord) == 40);
-static_assert(offsetof(PluginConstantRecord, declaration) == 0);
-static_assert(offsetof(PluginConstantRecord, unused) == 8);
-
 static_assert(sizeof(PluginClassRecord) == 232);
-static_assert(offsetof(PluginClassRecord, version) == 0);
-static_assert(offsetof(PluginClassRecord, name) == 8);
-static_assert(offsetof(PluginClassRecord, superclassName) == 16);
-static_assert(offsetof(PluginClassRecord, dataSize) == 24);
-static_assert(offsetof(PluginClassRecord, dataOffset) == 32);
-static_assert(offsetof(PluginClassRecord, constructor) == 40);
-static_assert(offsetof(PluginClassRecord, destructor) == 48);
-static_assert(offsetof(PluginClassRecord, properties) == 56);
-static_assert(offsetof(PluginClassRecord, propertyCount) == 64);
-static_assert(offsetof(PluginClassRecord, methods) == 72);
-static_assert(offsetof(PluginClassRecord, methodCount) == 80);
-static_assert(offsetof(PluginClassRecord, events) == 88);
-static_assert(offsetof(PluginClassRecord, eventCount) == 96);
-static_assert(offsetof(PluginClassRecord, eventInstances) == 104);
-static_assert(offsetof(PluginClassRecord, eventInstanceCount) == 112);
-static_assert(offsetof(PluginClassRecord, interfaces) == 120);
-static_assert(offsetof(PluginClassRecord, bindings) == 128);
-static_assert(offsetof(PluginClassRecord, bindingCount) == 136);
-static_assert(offsetof(PluginClassRecord, constants) == 144);
-static_assert(offsetof(PluginClassRecord, constantCount) == 152);
-static_assert(offsetof(PluginClassRecord, flags) == 160);
-static_assert(offsetof(PluginClassRecord, sharedProperties) == 168);
-static_assert(offsetof(PluginClassRecord, sharedPropertyCount) == 176);
-static_assert(offsetof(PluginClassRecord, sharedMethods) == 184);
-static_assert(offsetof(PluginClassRecord, sharedMethodCount) == 192);
-static_assert(offsetof(PluginClassRecord, delegates) == 200);
-static_assert(offsetof(PluginClassRecord, delegateCount) == 208);
-static_assert(offsetof(PluginClassRecord, enumerations) == 216);
-static_assert(offsetof(PluginClassRecord, enumerationCount) == 224);

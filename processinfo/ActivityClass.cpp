@@ -5,29 +5,20 @@
 
 #include <iterator>
 
+using namespace hostType;
+using namespace processinfo;
+
 namespace {
 
 constexpr PluginPropertyRecord properties[] = {
-    {.name = "Handle",
-     .type = "Integer",
-     .getter = hostAccessesField,
-     .setter = hostAccessesField,
-     .parameter = offsetof(ActivityData, token)},
-    {.name = "Reason",
-     .type = "String",
-     .getter = hostAccessesField,
-     .setter = hostAccessesField,
-     .parameter = offsetof(ActivityData, reason)},
-    {.name = "Options",
-     .type = "Integer",
-     .getter = hostAccessesField,
-     .setter = hostAccessesField,
-     .parameter = offsetof(ActivityData, options)},
+    field("Handle", Integer, offsetof(ActivityData, token)),
+    field("Reason", String, offsetof(ActivityData, reason)),
+    field("Options", Integer, offsetof(ActivityData, options)),
 };
 
 constexpr PluginMethodRecord methods[] = {
-    {.function = processinfo::activity::Constructor, .declaration = "Constructor", .flags = 0x84},
-    {.function = processinfo::activity::Destructor, .declaration = "Destructor"},
+    method("Constructor", activity::Constructor, 0x84),
+    method("Destructor", activity::Destructor),
 };
 
 } // namespace

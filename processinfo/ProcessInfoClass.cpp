@@ -4,71 +4,52 @@
 
 #include <iterator>
 
+using namespace hostType;
 using namespace processinfo;
 
 namespace {
 
 constexpr PluginPropertyRecord properties[] = {
-    {.name = "Handle",
-     .type = "Integer",
-     .getter = hostAccessesField,
-     .setter = hostAccessesField,
-     .parameter = 0},
-    {.name = "thermalState", .type = "Integer", .getter = thermalState},
-    {.name = "operatingSystemVersionString",
-     .type = "String",
-     .getter = operatingSystemVersionString},
-    {.name = "globallyUniqueString", .type = "String", .getter = globallyUniqueString},
-    {.name = "hostName", .type = "String", .getter = hostName},
-    {.name = "processName", .type = "String", .getter = processName, .setter = setProcessName},
-    {.name = "operatingSystemName", .type = "String", .getter = operatingSystemName},
-    {.name = "environment", .type = "Dictionary", .getter = environment},
-    {.name = "processIdentifier", .type = "Integer", .getter = processIdentifier},
-    {.name = "operatingSystem", .type = "Integer", .getter = operatingSystem},
-    {.name = "activeProcessorCount", .type = "Integer", .getter = activeProcessorCount},
-    {.name = "processorCount", .type = "Integer", .getter = processorCount},
-    {.name = "argumentsCount", .type = "Integer", .getter = argumentsCount},
-    {.name = "physicalMemory", .type = "UInt64", .getter = physicalMemory},
-    {.name = "systemUptime", .type = "Double", .getter = systemUptime},
-    {.name = "automaticTerminationSupportEnabled",
-     .type = "Boolean",
-     .getter = automaticTerminationSupportEnabled,
-     .setter = setAutomaticTerminationSupportEnabled},
+    field("Handle", Integer, 0),
+    property("thermalState", Integer, thermalState),
+    property("operatingSystemVersionString", String, operatingSystemVersionString),
+    property("globallyUniqueString", String, globallyUniqueString),
+    property("hostName", String, hostName),
+    property("processName", String, processName, setProcessName),
+    property("operatingSystemName", String, operatingSystemName),
+    property("environment", Dictionary, environment),
+    property("processIdentifier", Integer, processIdentifier),
+    property("operatingSystem", Integer, operatingSystem),
+    property("activeProcessorCount", Integer, activeProcessorCount),
+    property("processorCount", Integer, processorCount),
+    property("argumentsCount", Integer, argumentsCount),
+    property("physicalMemory", UInt64, physicalMemory),
+    property("systemUptime", Double, systemUptime),
+    property("automaticTerminationSupportEnabled", Boolean, automaticTerminationSupportEnabled,
+             setAutomaticTerminationSupportEnabled),
 };
 
-// clang-format off
 constexpr PluginMethodRecord methods[] = {
-    {.function = beginActivityWithOptions,
-     .declaration = "beginActivity(options as integer, reason as string) as NSProcessInfoActivityZKT"},
-    {.function = endActivity,
-     .declaration = "endActivity(activity as NSProcessInfoActivityZKT)"},
+    method("beginActivity(options as integer, reason as string) as NSProcessInfoActivityZKT",
+           beginActivityWithOptions),
+    method("endActivity(activity as NSProcessInfoActivityZKT)", endActivity),
     // Never called for its result: it makes the host know the class that the Cocoa exception trap
     // hands it.
-    {.function = DummyException,
-     .declaration = "_exception as NSExceptionZKT"},
-    {.function = argument,
-     .declaration = "argument(index as integer) as string"},
-    {.function = arguments,
-     .declaration = "arguments as string()"},
-    {.function = disableSuddenTermination,
-     .declaration = "disableSuddenTermination"},
-    {.function = enableSuddenTermination,
-     .declaration = "enableSuddenTermination"},
-    {.function = Constructor,
-     .declaration = "Constructor"},
-    {.function = disableAutomaticTermination,
-     .declaration = "disableAutomaticTermination(Reason as string)"},
-    {.function = enableAutomaticTermination,
-     .declaration = "enableAutomaticTermination(Reason as string)"},
+    method("_exception as NSExceptionZKT", DummyException),
+    method("argument(index as integer) as string", argument),
+    method("arguments as string()", arguments),
+    method("disableSuddenTermination", disableSuddenTermination),
+    method("enableSuddenTermination", enableSuddenTermination),
+    method("Constructor", Constructor),
+    method("disableAutomaticTermination(Reason as string)", disableAutomaticTermination),
+    method("enableAutomaticTermination(Reason as string)", enableAutomaticTermination),
 };
 
 constexpr PluginMethodRecord sharedMethods[] = {
-    {.function = processInfo,
-     .declaration = "processInfo as NSProcessInfoZKT"},
-    {.function = getNSProcessInfoThermalStateDidChangeNotification,
-     .declaration = "NSProcessInfoThermalStateDidChangeNotification as String"},
+    method("processInfo as NSProcessInfoZKT", processInfo),
+    method("NSProcessInfoThermalStateDidChangeNotification as String",
+           getNSProcessInfoThermalStateDidChangeNotification),
 };
-// clang-format on
 
 constexpr PluginConstantRecord constants[] = {
     // values of "operatingSystem"
