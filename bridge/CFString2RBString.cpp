@@ -1,11 +1,11 @@
-#include "bridge/CocoaStrings.h"
+#include "bridge/CFString2RBString.h"
 
+#include "frame/HeldUntilReset.h"
 #include "frame/HostText.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
 
 namespace {
 
@@ -13,10 +13,6 @@ constexpr CFIndex largestStackLength = 99; // UTF-16 units
 constexpr CFIndex bytesPerUnit = 6;
 constexpr CFIndex largestLength = std::numeric_limits<CFIndex>::max() / bytesPerUnit;
 constexpr CFIndex stackCapacity = 600;
-
-struct Free {
-    void operator()(void *memory) const { std::free(memory); }
-};
 
 REALstringStruct *hostStringThrough(char *buffer, CFIndex capacity, CFStringRef string) {
     if (!CFStringGetCString(string, buffer, capacity, HostEncoding::utf8))
@@ -39,7 +35,7 @@ REALstringStruct *CFString2RBString(CFStringRef string) {
         return hostStringThrough(buffer, stackCapacity, string);
     }
     const CFIndex capacity = bytesPerUnit * length;
-    const std::unique_ptr<char, Free> buffer{
+    const HeldUntilReset<char *, std::free> buffer{
         static_cast<char *>(std::calloc(static_cast<std::size_t>(capacity), 1))};
     return buffer ? hostStringThrough(buffer.get(), capacity, string) : nullptr;
 }

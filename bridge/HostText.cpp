@@ -1,25 +1,17 @@
-#include "bridge/UnicodeText.h"
+#include "frame/HostText.h"
 
 #include "frame/HeldUntilReset.h"
-#include "frame/PluginMain.h"
-#include "frame/RaiseException.h"
+#include "frame/HostVersion.h"
+#include "frame/StandardExceptions.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace {
 
-constexpr double hostConvertsUTF16Since = 2012.0;
-constexpr double hostConvertsUTF32Since = 2013.0;
-
 constexpr std::int64_t largestStackInput = 799; // bytes of UTF-32
 constexpr std::int64_t largestStackOutput = 2 * (largestStackInput / 4) + 1;
-
-struct Free {
-    void operator()(void *memory) const { std::free(memory); }
-};
 
 bool isAllASCII(const char *data, std::int64_t length) {
     return std::all_of(data, data + length,
@@ -78,7 +70,7 @@ REALstringStruct *buildStringUTF32(const char *data, std::int64_t length) {
         return buildFromConvertedUTF32(data, length, units);
     }
     const auto capacity = static_cast<std::size_t>(2 * (length / 4) + 1);
-    const std::unique_ptr<char16_t, Free> units{
+    const HeldUntilReset<char16_t *, std::free> units{
         static_cast<char16_t *>(std::calloc(capacity, sizeof(char16_t)))};
     return units ? buildFromConvertedUTF32(data, length, units.get()) : nullptr;
 }
@@ -103,8 +95,7 @@ REALstringStruct *buildString(const char *data, std::int64_t length, std::uint32
 
 REALstringStruct *REALBuildUnicodeString(const char *data, std::int64_t length,
                                          std::uint32_t encoding) {
-    // As an unsigned number, one less than nothing is too large as well.
-    if (data == nullptr || static_cast<std::uint64_t>(length) - 1 > 0x7FFFFFFE)
+    if (data == nullptr || length < 1 || length > 0x7FFFFFFF)
         return nullptr;
     return withStandardExceptionsMapped([&] { return buildString(data, length, encoding); });
 }

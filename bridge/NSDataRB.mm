@@ -1,6 +1,6 @@
-#include "bridge/MemoryBlocks.h"
+#include "bridge/NSDataRB.h"
 
-#include <Foundation/Foundation.h>
+#include "bridge/MemoryBlocks.h"
 
 // Sends the messages and no more: with GCC's runtime, an Objective-C++ file cannot catch C++
 // exceptions.

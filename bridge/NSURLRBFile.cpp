@@ -1,4 +1,4 @@
-#include "bridge/FolderItems.h"
+#include "bridge/NSURLRBFile.h"
 
 #include "frame/HeldUntilReset.h"
 #include "frame/HostText.h"
@@ -57,7 +57,7 @@ REALobjectStruct *trueFolderItem(REALstringStruct *path) {
     static constinit TrueFolderItemMethod *GetTrueFolderItem = nullptr;
     static constinit bool doneGetTrueFolderItem = false;
 
-    if (GetTrueFolderItem == nullptr && !doneGetTrueFolderItem) {
+    if (!doneGetTrueFolderItem) {
         GetTrueFolderItem = reinterpret_cast<TrueFolderItemMethod *>(REALLoadFrameworkMethod(
             nullptr, "GetTrueFolderItem(path As String, pathMode As Integer) As FolderItem"));
         doneGetTrueFolderItem = true;

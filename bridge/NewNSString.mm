@@ -1,13 +1,9 @@
-#include "bridge/CocoaStrings.h"
+#include "bridge/NewNSString.h"
 
 #include "frame/HeldUntilReset.h"
-#include "frame/PluginMain.h"
-
-#include <Foundation/Foundation.h>
+#include "frame/HostVersion.h"
 
 namespace {
-
-constexpr double hostCopiesCFStringsSince = 2012.0;
 
 // The CFString that the host itself hands out, owned by the caller, or null.
 CFStringRef stringFromHost(REALstringStruct *string) {

@@ -1,6 +1,6 @@
 #include "convert/Collections.h"
 
-#include "convert/Conversion.h"
+#include "convert/Dispatch.h"
 #include "frame/HeldUntilReset.h"
 
 REALobjectStruct *newHostArray(NSArray *array) {
@@ -11,6 +11,7 @@ REALobjectStruct *newHostArray(NSArray *array) {
     std::int64_t index = 0;
     while (id element = [elements nextObject]) {
         ObjectReference value{NewVariantFromNSObject(element)};
+        // Fetched for each element: the host sees it, and may give another.
         if (ObjectInsertProcedure *insert = REALInsertArrayValueObject(result.get()))
             insert(result.get(), index, value.get());
         value.reset();

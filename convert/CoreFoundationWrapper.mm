@@ -57,7 +57,7 @@ constexpr const char *anyType = "CFObjectZKT";
 struct WrapperData {
     CFTypeRef object;
     void *classOwn;
-    volatile std::int64_t tag; // written again although it is there
+    volatile std::int64_t tag; // read and, though it is there, written: the host sees both
 };
 static_assert(offsetof(WrapperData, tag) == 16);
 constexpr std::int64_t wrapperTag = 0x52424346;

@@ -23,6 +23,7 @@ REALobjectStruct *newHostDate(NSDate *date) {
         [[[NSCalendarDate alloc] initWithTimeIntervalSinceReferenceDate:moment] autorelease];
     if (fields == nil)
         return nullptr;
+    // In this order: the date sees it.
     const std::int64_t year = [fields yearOfCommonEra];
     const std::int64_t month = [fields monthOfYear];
     const std::int64_t day = [fields dayOfMonth];

@@ -10,9 +10,6 @@
 // Exceptions pass to the caller; only an NSException while a Core Foundation object is wrapped is
 // dropped.
 
-// The host value that represents the object best: a Variant, Date, array, Dictionary, MemoryBlock
-// or FolderItem, or an instance of a wrapper class of the family, which retains the object.
+/// The host value that represents the object best: a Variant, Date, array, Dictionary, MemoryBlock
+/// or FolderItem, or an instance of a wrapper class of the family, which retains the object.
 REALobjectStruct *NewVariantFromNSObject(NSObject *object);
-
-// A host Dictionary of the converted keys and values.
-REALobjectStruct *NSDictionaryRB(NSDictionary *dictionary);

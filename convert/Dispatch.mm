@@ -1,11 +1,11 @@
-#include "convert/Conversion.h"
+#include "convert/Dispatch.h"
 
-#include "convert/ClassSearch.h"
 #include "convert/CoreFoundationWrapper.h"
+#include "convert/TableSearch.h"
 #include "convert/Values.h"
 #include "convert/WrapperFactory.h"
-#include "frame/CocoaInit.h"
 #include "frame/FamilyHooks.h"
+#include "frame/Registry.h"
 
 #include <objc/runtime.h>
 
@@ -13,7 +13,7 @@
 REALobjectStruct *NewVariantFromNSObject(NSObject *object) {
     if (object == nil || object == [NSNull null])
         return nullptr;
-    if (REALobjectStruct *known = registeredWrapper(object))
+    if (REALobjectStruct *known = registry::wrapperOf(object))
         return known;
     if (const ClassRow *row = classRowOf(object))
         return row->convert(object, row->cocoaClass);

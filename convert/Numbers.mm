@@ -13,22 +13,21 @@ struct NumberRow {
     REALobjectStruct *(*convert)(NSNumber *);
 };
 
-using N = NSNumber;
 constexpr NumberRow numberRows[] = {
     // Cocoa's booleans have the type of char, so every char is one.
-    {'c', [](N *number) { return REALNewVariantBoolean([number boolValue] != 0); }},
-    {'C', [](N *number) { return REALNewVariantInteger([number unsignedCharValue]); }},
-    {'s', [](N *number) { return REALNewVariantInteger([number shortValue]); }},
-    {'S', [](N *number) { return REALNewVariantInteger([number unsignedShortValue]); }},
-    {'i', [](N *number) { return REALNewVariantInteger([number intValue]); }},
-    {'I', [](N *number) { return REALNewVariantUInt32([number unsignedIntValue]); }},
-    {'q', [](N *number) { return REALNewVariantInteger([number longValue]); }},
+    {'c', [](NSNumber *number) { return REALNewVariantBoolean([number boolValue] != 0); }},
+    {'C', [](NSNumber *number) { return REALNewVariantInteger([number unsignedCharValue]); }},
+    {'s', [](NSNumber *number) { return REALNewVariantInteger([number shortValue]); }},
+    {'S', [](NSNumber *number) { return REALNewVariantInteger([number unsignedShortValue]); }},
+    {'i', [](NSNumber *number) { return REALNewVariantInteger([number intValue]); }},
+    {'I', [](NSNumber *number) { return REALNewVariantUInt32([number unsignedIntValue]); }},
+    {'q', [](NSNumber *number) { return REALNewVariantInteger([number longValue]); }},
     // The host programs expect a UInt32 of the low half.
     {'Q',
-     [](N *number) {
+     [](NSNumber *number) {
          return REALNewVariantUInt32(static_cast<std::uint32_t>([number unsignedLongValue]));
      }},
-    {'f', [](N *number) { return REALNewVariantSingle([number floatValue]); }},
+    {'f', [](NSNumber *number) { return REALNewVariantSingle([number floatValue]); }},
 };
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "convert/Values.h"
 
-#include "bridge/CocoaStrings.h"
-#include "bridge/FolderItems.h"
+#include "bridge/CFString2RBString.h"
+#include "bridge/NSURLRBFile.h"
 #include "frame/HeldUntilReset.h"
 
 REALobjectStruct *newStringVariant(NSString *string) {
@@ -11,7 +11,7 @@ REALobjectStruct *newStringVariant(NSString *string) {
     return variant.handOver();
 }
 
-REALobjectStruct *newUrlValue(NSURL *url) {
+REALobjectStruct *newURLValue(NSURL *url) {
     if (REALobjectStruct *folderItem = NSURLRBFile((CFURLRef)url))
         return folderItem;
     return newStringVariant([url absoluteString]);

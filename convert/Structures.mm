@@ -31,35 +31,34 @@ struct StructureRow {
     REALobjectStruct *(*convert)(NSValue *);
 };
 
-using V = NSValue;
 constexpr StructureRow structureRows[] = {
     {"{CGRect={CGPoint=dd}{CGSize=dd}}",
-     [](V *value) { return newGeometry("NSRectZKT", [value rectValue]); }},
-    {"{CGSize=dd}", [](V *value) { return newGeometry("NSSizeZKT", [value sizeValue]); }},
-    {"{_NSRange=QQ}", [](V *value) { return newGeometry("NSRangeZKT", [value rangeValue]); }},
-    {"{CGPoint=dd}", [](V *value) { return newGeometry("NSPointZKT", [value pointValue]); }},
+     [](NSValue *value) { return newGeometry("NSRectZKT", [value rectValue]); }},
+    {"{CGSize=dd}", [](NSValue *value) { return newGeometry("NSSizeZKT", [value sizeValue]); }},
+    {"{_NSRange=QQ}", [](NSValue *value) { return newGeometry("NSRangeZKT", [value rangeValue]); }},
+    {"{CGPoint=dd}", [](NSValue *value) { return newGeometry("NSPointZKT", [value pointValue]); }},
     {"{?=qqq}",
-     [](V *value) {
+     [](NSValue *value) {
          return throughHook(value, @selector(QTTimeValueZKT),
                             [=] { return [value QTTimeValueZKT]; });
      }},
     {"{?={?=qqq}{?=qqq}}",
-     [](V *value) {
+     [](NSValue *value) {
          return throughHook(value, @selector(QTTimeRangeValueZKT),
                             [=] { return [value QTTimeRangeValueZKT]; });
      }},
     {"{?=qiIq}",
-     [](V *value) {
+     [](NSValue *value) {
          return throughHook(value, @selector(CMTimeValueZKT),
                             [=] { return [value CMTimeValueZKT]; });
      }},
     {"{?={?=qiIq}{?=qiIq}}",
-     [](V *value) {
+     [](NSValue *value) {
          return throughHook(value, @selector(CMTimeRangeValueZKT),
                             [=] { return [value CMTimeRangeValueZKT]; });
      }},
     {"{?={?={?=qiIq}{?=qiIq}}{?={?=qiIq}{?=qiIq}}}",
-     [](V *value) {
+     [](NSValue *value) {
          return throughHook(value, @selector(CMTimeMappingValueZKT),
                             [=] { return [value CMTimeMappingValueZKT]; });
      }},

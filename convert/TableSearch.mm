@@ -1,4 +1,4 @@
-#include "convert/ClassSearch.h"
+#include "convert/TableSearch.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <objc/runtime.h>
@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <dlfcn.h>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -36,7 +37,7 @@ constexpr auto namedRows = [] {
     for (std::size_t row = 0; row != std::size(classRows); ++row)
         if (row != booleanRow)
             rows[count++] = {classRows[row].cocoaClass, static_cast<RowIndex>(row)};
-    std::sort(rows.begin(), rows.end());
+    std::ranges::sort(rows, std::less<NamedRow>());
     return rows;
 }();
 static_assert(std::ranges::all_of(namedRows,
@@ -115,7 +116,8 @@ RowIndex valueRowOf(Class cls) {
 // The row of any other class, or noRow. Such classes come and go, so that a name says little: the
 // row's class is the one that is loaded under the name now.
 RowIndex pairRowOf(Class cls, const char *name) {
-    const auto *found = std::lower_bound(namedRows.begin(), namedRows.end(), NamedRow{name, noRow});
+    const auto *found =
+        std::ranges::lower_bound(namedRows, NamedRow{name, noRow}, std::less<NamedRow>());
     return found != namedRows.end() && found->name == name && objc_getClass(name) == cls
                ? found->row
                : noRow;

@@ -1,7 +1,7 @@
 #include "convert/WrapperFactory.h"
 
-#include "frame/CocoaInit.h"
 #include "frame/HeldUntilReset.h"
+#include "frame/Registry.h"
 
 #include <objc/runtime.h>
 
@@ -56,15 +56,14 @@ REALobjectStruct *walkClasses(NSObject *object, Class required) {
 } // namespace
 
 REALobjectStruct *newRegisteredWrapper(NSObject *object, const char *cocoaClass) {
-    if (REALobjectStruct *known = registeredWrapper(object))
+    if (REALobjectStruct *known = registry::wrapperOf(object))
         return known;
     REALobjectStruct *made =
         REALnewInstance(HostClassName(cocoaClass, std::strlen(cocoaClass)).text());
     if (made == nullptr)
         return nullptr;
     ObjectReference instance{wrapping(object, made)};
-    if (instances != nullptr)
-        CFDictionarySetValue(instances, object, instance.get());
+    registry::enter(object, instance.get());
     return instance.handOver();
 }
 

@@ -9,17 +9,17 @@
 // objects that they give belong to the caller.
 
 @interface NSException (FamilyHooks)
-// A new host object of class NSExceptionZKT for the exception, or null.
+/// A new host object of class NSExceptionZKT for the exception, or null.
 + (REALobjectStruct *)NewNSExceptionZKT:(NSException *)exception;
 + (void)PrepareNSExceptionZKT;
-// The family's registry, borrowed for the life of the process.
+/// The family's registry, borrowed for the life of the process.
 + (CFMutableDictionaryRef)GetInstancesDictionaryZKT;
 @end
 
 @interface NSValue (FamilyHooks)
-// A host object for a view, or null to have it wrapped like any other.
+/// A host object for a view, or null to have it wrapped like any other.
 + (REALobjectStruct *)NewQTKitNSViewZKT:(NSObject *)view;
-// Host objects for values that hold the times of Core Media and QuickTime.
+/// Host objects for values that hold the times of Core Media and QuickTime.
 - (REALobjectStruct *)QTTimeValueZKT;
 - (REALobjectStruct *)QTTimeRangeValueZKT;
 - (REALobjectStruct *)CMTimeValueZKT;
@@ -28,6 +28,6 @@
 @end
 
 @interface NSObject (FamilyHooks)
-// What a ZKTREALobjectWrapper holds: a host object that travelled through Cocoa.
+/// What a ZKTREALobjectWrapper holds: a host object that travelled through Cocoa.
 - (REALobjectStruct *)unwrap;
 @end

@@ -4,10 +4,10 @@
 
 #include <utility>
 
-// Something held, or null, until reset gives it back or handOver gives it away. Its owner says
-// when: a failure to give it back is then the caller's to see, like that of any other call. What is
-// still held at the end of the scope, as when an exception passes, is given back quietly: what is
-// thrown meanwhile is dropped, and the first exception goes on.
+/// Something held, or null, until reset gives it back or handOver gives it away. Its owner says
+/// when: a failure to give it back is then the caller's to see, like that of any other call. What
+/// is still held at the end of the scope, as when an exception passes, is given back quietly: what
+/// is thrown meanwhile is dropped, and the first exception goes on.
 template <class Pointer, auto &giveBack>
 class HeldUntilReset {
 public:
@@ -37,14 +37,15 @@ private:
     Pointer held_;
 };
 
-// Calls the function and drops what it throws, be it a C++ exception or Cocoa's.
+/// Calls the function and drops what it throws, be it a C++ exception or Cocoa's.
 void callQuietly(void (*function)(const void *), const void *argument) noexcept;
 
 template <class Pointer, auto &giveBack>
 void HeldUntilReset<Pointer, giveBack>::giveBackQuietly() noexcept {
-    callQuietly([](const void *held) { giveBack(*static_cast<const Pointer *>(held)); }, &held_);
+    callQuietly(
+        [](const void *self) { giveBack(static_cast<const HeldUntilReset *>(self)->held_); }, this);
 }
 
-// One reference to a host object or host string.
+/// One reference to a host object or host string.
 using ObjectReference = HeldUntilReset<REALobjectStruct *, REALUnlockObject>;
 using StringReference = HeldUntilReset<REALstringStruct *, REALUnlockString>;

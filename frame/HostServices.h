@@ -9,13 +9,13 @@ struct HFSUniStr255;
 struct PluginClassRecord;
 struct __CFString; // NOLINT(bugprone-reserved-identifier): Core Foundation's name
 
-// Gives the entry point of a host service by name, or null when the host lacks the service.
+/// Gives the entry point of a host service by name, or null when the host lacks the service.
 using HostResolver = void *(*)(const char *serviceName);
 
-// Set by REALPluginMain; kept for the life of the library.
+/// Set by REALPluginMain; kept for the life of the library.
 inline constinit HostResolver hostResolver = nullptr;
 
-// A service's name and its entry point, once found.
+/// A service's name and its entry point, once found.
 class HostServiceSlot {
 protected:
     explicit constexpr HostServiceSlot(const char *name) noexcept : name_(name) {}
@@ -30,9 +30,9 @@ protected:
 template <class Signature>
 class HostService;
 
-// A host service, called like a function. It is looked up by name on first use; while the host
-// lacks it, a call has no effect and gives null, zero or false. Slots are plain memory: two
-// threads that bind one at once store the same answer.
+/// A host service, called like a function. It is looked up by name on first use; while the host
+/// lacks it, a call has no effect and gives null, zero or false. Slots are plain memory: two
+/// threads that bind one at once store the same answer.
 template <class Result, class... Arguments>
 class HostService<Result(Arguments...)> : HostServiceSlot {
 public:
@@ -49,8 +49,8 @@ public:
     }
 };
 
-// Inserts a value at a zero-based index of the array that the procedure was fetched for. The array
-// takes a reference of its own.
+/// Inserts a value at a zero-based index of the array that the procedure was fetched for. The array
+/// takes a reference of its own.
 using StringInsertProcedure = void(REALobjectStruct *array, std::int64_t index,
                                    REALstringStruct *value);
 using ObjectInsertProcedure = void(REALobjectStruct *array, std::int64_t index,
@@ -125,7 +125,7 @@ inline constinit HostService<const char *(REALstringStruct *)> REALGetStringCStr
     "StringGetCString"}; // borrowed: valid while the string is locked
 inline constinit HostService<void(void *stringData)> REALDisposeStringData{
     "PluginDisposeStringData"};
-// Two wrappers of one service, each with a slot and thus a first look-up of its own.
+/// Two wrappers of one service, each with a slot and thus a first look-up, which the host sees.
 inline constinit HostService<const __CFString *(REALstringStruct *, std::int32_t)>
     REALGetStringCFString{"REALGetStringCFString"};
 inline constinit HostService<const __CFString *(REALstringStruct *, std::int32_t)>
@@ -141,8 +141,8 @@ inline constinit HostService<std::int64_t(REALobjectStruct *block)> REALMemoryBl
 inline constinit HostService<REALobjectStruct *(const FSRef *parent, const HFSUniStr255 *name)>
     REALFolderItemFromParentFSRef{"REALFolderItemFromParentFSRef"};
 
-// A string's bytes, borrowed, and their number; null and 0 as far as the host lacks the means. The
-// number comes from the host's global method LenB, which is looked up until it is found.
+/// A string's bytes, borrowed, and their number; null and 0 as far as the host lacks the means. The
+/// number comes from the host's global method LenB, which is looked up until it is found.
 struct StringContents {
     const char *bytes;
     std::int64_t length;

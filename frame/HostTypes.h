@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// The host's handles. Both are opaque, reference-counted by the host, and null for the host's nil.
-// A Variant and an array are host objects too.
+/// The host's handles. Both are opaque, reference-counted by the host, and null for the host's nil.
+/// A Variant and an array are host objects too.
 struct REALobjectStruct;
 struct REALstringStruct;
 
@@ -19,8 +19,8 @@ inline constexpr std::uint32_t utf32 = 0x0C000100;
 inline constexpr std::uint32_t unknown = 0xFFFF; // bytes without a declared encoding
 } // namespace HostEncoding
 
-// The host lays the data of an instance of a class without superclass behind its 48-byte header.
-// All wrapper classes of the family rely on that and keep their Cocoa object in the first field.
+/// The host lays the data of an instance of a class without superclass behind its 48-byte header.
+/// All wrapper classes of the family rely on that and keep their Cocoa object in the first field.
 inline constexpr std::size_t instanceDataOffset = 48;
 
 template <class Data>

@@ -1,6 +1,7 @@
 #include "frame/PluginMain.h"
 
 #include "frame/HostServices.h"
+#include "frame/HostVersion.h"
 
 #include <pthread.h>
 
@@ -29,8 +30,7 @@ std::int64_t interfaceVersionFor(double version) {
 }
 
 void registerClass(PluginClassRecord &record) {
-    while (record.dataSize % 16 != 0)
-        ++record.dataSize;
+    record.dataSize = (record.dataSize + 15) / 16 * 16;
     record.version = static_cast<std::int32_t>(CurrentREALControlVersion);
     REALRegisterClass(&record);
 }
@@ -50,6 +50,7 @@ void REALPluginMain(HostResolver resolver) {
     find<InterfaceVersionService>("RegisterPluginVersion")(
         static_cast<std::int32_t>(CurrentREALControlVersion));
 
+    // Whoever watches the system's calls sees it asked for here, in every plug-in of the family.
     static_cast<void>(pthread_self());
 
     for (PluginClassRecord *record : pluginClasses)

@@ -5,11 +5,8 @@
 #include <array>
 #include <cstdint>
 
-// The host's version, such as 2013.04; 0.0 when the host does not tell it. Set at start-up.
-inline constinit double hostVersion = 0.0;
-
-// The interface version that this plug-in speaks with the host, 9 to 13. Set at start-up.
+/// The interface version that this plug-in speaks with the host, 9 to 13. Set at start-up.
 inline constinit std::int64_t CurrentREALControlVersion = 13;
 
-// What the plug-in registers, in this order; defined by the floor above (processinfo/).
+/// What the plug-in registers, in this order; defined by the floor above (processinfo/).
 extern const std::array<PluginClassRecord *, 2> pluginClasses;

@@ -12,17 +12,15 @@ namespace {
 constexpr int deepestReport = 16;
 constinit int messagesUnderWay = 0;
 
-struct MessageUnderWay {
-    MessageUnderWay() { ++messagesUnderWay; }
-    ~MessageUnderWay() { --messagesUnderWay; }
-    MessageUnderWay(const MessageUnderWay &) = delete;
-    MessageUnderWay &operator=(const MessageUnderWay &) = delete;
-};
+void countDown(int *count) {
+    --*count;
+}
 
 REALstringStruct *newMessage(const char *text) {
     if (text == nullptr || messagesUnderWay == deepestReport)
         return nullptr;
-    const MessageUnderWay underWay;
+    ++messagesUnderWay;
+    const HeldUntilReset<int *, countDown> counted{&messagesUnderWay};
     return REALBuildUnicodeString(text, static_cast<std::int64_t>(std::strlen(text)),
                                   HostEncoding::ascii);
 }

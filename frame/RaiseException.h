@@ -1,54 +1,13 @@
 #pragma once
 
-#include "frame/CocoaBarrier.h"
 #include "frame/HostTypes.h"
 
 #include <cstdint>
-#include <exception>
-#include <new>
-#include <stdexcept>
-#include <typeinfo>
 
-// Raises an exception in the host program, once the current call of the plug-in returns, as an
-// object of the host class className, or of RuntimeException if the host has no such class. Both
-// texts are ASCII; a null message sets the exception's Message to nil. Without either class nothing
-// is raised. Encoding and error number belong to the host family's interface but are not consulted:
-// every exception of this plug-in is ASCII and number 0.
+/// Raises an exception in the host program, once the current call of the plug-in returns, as an
+/// object of the host class className, or of RuntimeException if the host has no such class. Both
+/// texts are ASCII; a null message sets the exception's Message to nil. Without either class
+/// nothing is raised. Encoding and error number belong to the host family's interface but are not
+/// consulted: every exception of this plug-in is ASCII and number 0.
 void RaiseException(const char *className, const char *message,
                     std::uint32_t encoding = HostEncoding::ascii, std::int64_t errorNumber = 0);
-
-// Runs body, which gives a pointer; an exception in it becomes a host exception, and the result
-// null. The order counts: range errors are caught before the bases they share with other errors.
-template <class Body>
-auto withStandardExceptionsMapped(Body body) -> decltype(body()) {
-    decltype(body()) result = nullptr;
-    bool hasNoName = false;
-    const auto run = [&] { result = body(); };
-    try {
-        hasNoName = throwsCocoaObject(
-            [](const void *argument) { (*static_cast<decltype(&run)>(argument))(); }, &run);
-    } catch (const std::bad_alloc &) {
-        RaiseException("OutOfMemoryException", "Failed to allocate memory.");
-    } catch (const std::range_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
-    } catch (const std::out_of_range &error) {
-        RaiseException("OutOfBoundsException", error.what());
-    } catch (const std::overflow_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
-    } catch (const std::underflow_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
-    } catch (const std::logic_error &error) {
-        RaiseException("RuntimeException", error.what());
-    } catch (const std::runtime_error &error) {
-        RaiseException("RuntimeException", error.what());
-    } catch (const std::bad_cast &error) {
-        RaiseException("IllegalCastException", error.what());
-    } catch (const std::exception &error) {
-        RaiseException("RuntimeException", error.what());
-    } catch (...) {
-        hasNoName = true;
-    }
-    if (hasNoName)
-        RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
-    return result;
-}

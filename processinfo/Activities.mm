@@ -1,26 +1,29 @@
 #include "processinfo/Handlers.h"
 
-#include "bridge/CocoaStrings.h"
+#include "bridge/NewNSString.h"
 #include "frame/CocoaTrap.h"
 #include "frame/HostServices.h"
 #include "frame/RaiseException.h"
 #include "processinfo/ActivityData.h"
 #include "processinfo/Classes.h"
-#include "processinfo/WrappedObject.h"
 
 // Activities begin and end on the process's shared object, asked for at each use: they work on an
-// unbound instance too. Termination is steered through the instance's own object.
+// unbound instance too.
 
-static ActivityData &activityData(REALobjectStruct *activity) {
+namespace {
+
+ActivityData &activityData(REALobjectStruct *activity) {
     return instanceData<ActivityData>(activity,
                                       static_cast<std::size_t>(processActivityClass.dataOffset));
 }
 
-static void endAndRelease(const ActivityData &data) {
+void endAndRelease(const ActivityData &data) {
     id token = (id)data.token;
     [[NSProcessInfo processInfo] endActivity:token];
     [token release];
 }
+
+} // namespace
 
 namespace processinfo {
 
@@ -65,24 +68,6 @@ void endActivity(REALobjectStruct *, REALobjectStruct *activity) {
         data.token = nullptr;
         data.active = false;
     });
-}
-
-void disableSuddenTermination(REALobjectStruct *instance) {
-    trapCocoaExceptions([&] { [wrappedObject(instance) disableSuddenTermination]; });
-}
-
-void enableSuddenTermination(REALobjectStruct *instance) {
-    trapCocoaExceptions([&] { [wrappedObject(instance) enableSuddenTermination]; });
-}
-
-void disableAutomaticTermination(REALobjectStruct *instance, REALstringStruct *reason) {
-    trapCocoaExceptions(
-        [&] { [wrappedObject(instance) disableAutomaticTermination:NewNSString(reason)]; });
-}
-
-void enableAutomaticTermination(REALobjectStruct *instance, REALstringStruct *reason) {
-    trapCocoaExceptions(
-        [&] { [wrappedObject(instance) enableAutomaticTermination:NewNSString(reason)]; });
 }
 
 } // namespace processinfo

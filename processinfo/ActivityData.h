@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Instance data of the activity class, at the offset that the host chose when it registered the
-// class. Programs can read and write the first three fields.
+/// Instance data of the activity class, at the offset that the host chose when it registered the
+/// class. Programs can read and write the first three fields.
 struct ActivityData {
     void *token;              // Foundation's activity object, retained; nil when none
     REALstringStruct *reason; // holds one host reference; null when none

@@ -1,6 +1,6 @@
 #include "processinfo/Handlers.h"
 
-#include "bridge/CocoaStrings.h"
+#include "bridge/CFString2RBString.h"
 #include "frame/CocoaTrap.h"
 #include "frame/HeldUntilReset.h"
 #include "processinfo/WrappedObject.h"
@@ -26,18 +26,23 @@ REALstringStruct *argument(REALobjectStruct *instance, std::int64_t index) {
     });
 }
 
+namespace {
+
 // Fills the array from the list; an element that cannot be inserted leaves its index unused.
-static void insertStrings(REALobjectStruct *array, NSArray *list) {
+void insertStrings(REALobjectStruct *array, NSArray *list) {
     NSEnumerator *elements = [list objectEnumerator];
     std::int64_t index = 0;
     for (id element = [elements nextObject]; element != nil; element = [elements nextObject]) {
         StringReference string{CFString2RBString((CFStringRef)element)};
+        // Fetched for each element: the host sees it, and may give another.
         if (StringInsertProcedure *insert = REALInsertArrayValueString(array))
             insert(array, index, string.get());
         string.reset();
         ++index;
     }
 }
+
+} // namespace
 
 REALobjectStruct *arguments(REALobjectStruct *instance) {
     ObjectReference result{REALCreateArray(stringElements, emptyArray)};

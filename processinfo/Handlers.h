@@ -35,7 +35,7 @@ std::int64_t activeProcessorCount(REALobjectStruct *instance, std::intptr_t);
 std::int64_t processorCount(REALobjectStruct *instance, std::intptr_t);
 std::uint64_t physicalMemory(REALobjectStruct *instance, std::intptr_t); // bytes
 double systemUptime(REALobjectStruct *instance, std::intptr_t);          // seconds
-// Foundation's one-byte answer, widened with its sign
+/// Foundation's one-byte answer, widened with its sign
 std::int32_t automaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t);
 void setAutomaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t,
                                            std::int8_t enabled);
@@ -45,10 +45,12 @@ std::int64_t argumentsCount(REALobjectStruct *instance, std::intptr_t);
 REALstringStruct *argument(REALobjectStruct *instance, std::int64_t index);
 REALobjectStruct *arguments(REALobjectStruct *instance);
 
-// Activities.mm: power, latency and termination
+// Activities.mm: power and latency
 REALobjectStruct *beginActivityWithOptions(REALobjectStruct *instance, std::int64_t options,
                                            REALstringStruct *reason);
 void endActivity(REALobjectStruct *instance, REALobjectStruct *activity);
+
+// Termination.mm: on the instance's own object
 void disableSuddenTermination(REALobjectStruct *instance);
 void enableSuddenTermination(REALobjectStruct *instance);
 void disableAutomaticTermination(REALobjectStruct *instance, REALstringStruct *reason);

@@ -1,19 +1,14 @@
 #include "processinfo/Handlers.h"
 
-#include "bridge/CocoaStrings.h"
+#include "bridge/CFString2RBString.h"
 #include "frame/CocoaInit.h"
 #include "frame/CocoaTrap.h"
 #include "frame/HeldUntilReset.h"
 #include "frame/RaiseException.h"
+#include "frame/Registry.h"
 #include "processinfo/WrappedObject.h"
 
 namespace processinfo {
-
-// Makes the instance the object's wrapper in the family's registry, instead of any earlier one.
-static void enter(NSProcessInfo *object, REALobjectStruct *instance) {
-    if (instances != nullptr)
-        CFDictionarySetValue(instances, object, instance);
-}
 
 void NSProcessInfoConstructor(REALobjectStruct *) {
     // The wrapped object is set by Constructor or by processInfo.
@@ -29,7 +24,7 @@ void Constructor(REALobjectStruct *instance) {
     trapCocoaExceptions([&] {
         NSProcessInfo *wrapped = wrappedObject(instance) = [[NSProcessInfo processInfo] retain];
         if (wrapped != nil)
-            enter(wrapped, instance);
+            registry::enter(wrapped, instance);
     });
 }
 
@@ -39,12 +34,12 @@ REALobjectStruct *processInfo() {
         NSProcessInfo *shared = [NSProcessInfo processInfo];
         if (shared == nil)
             return nullptr;
-        if (REALobjectStruct *known = registeredWrapper(shared))
+        if (REALobjectStruct *known = registry::wrapperOf(shared))
             return known;
         ObjectReference instance{REALnewInstance("NSProcessInfoZKT")};
         if (instance) {
             wrappedObject(instance.get()) = [shared retain];
-            enter(shared, instance.get()); // whatever retain answered
+            registry::enter(shared, instance.get()); // whatever retain answered
         }
         return instance.handOver();
     });
@@ -72,8 +67,7 @@ void NSProcessInfoDestructor(REALobjectStruct *instance) {
         return;
     trapCocoaExceptions([&] {
         // By key alone: where a later instance wraps the same object, it is its entry that goes.
-        if (instances != nullptr)
-            CFDictionaryRemoveValue(instances, wrapped);
+        registry::remove(wrapped);
         [wrapped release];
         wrapped = nil;
     });

@@ -1,7 +1,8 @@
 #include "processinfo/Handlers.h"
 
-#include "bridge/CocoaStrings.h"
-#include "convert/Conversion.h"
+#include "bridge/CFString2RBString.h"
+#include "bridge/NewNSString.h"
+#include "convert/Collections.h"
 #include "frame/CocoaTrap.h"
 #include "processinfo/WrappedObject.h"
 
@@ -12,12 +13,21 @@
 // only what must not be asked of nil is tested.
 namespace processinfo {
 
-// A string property: the answer of one message, as a host string.
+namespace {
+
+// A property of one message: its answer as a host string, or as an Integer.
 template <class Send>
-static REALstringStruct *stringProperty(Send send) {
+REALstringStruct *stringProperty(Send send) {
     return trapCocoaExceptions<REALstringStruct *>(
         nullptr, [&] { return CFString2RBString((CFStringRef)send()); });
 }
+
+template <class Send>
+std::int64_t integerProperty(Send send) {
+    return trapCocoaExceptions<std::int64_t>(0, [&] { return static_cast<std::int64_t>(send()); });
+}
+
+} // namespace
 
 std::int64_t thermalState(REALobjectStruct *instance, std::intptr_t) {
     NSProcessInfo *wrapped = wrappedObject(instance);
@@ -63,24 +73,19 @@ REALobjectStruct *environment(REALobjectStruct *instance, std::intptr_t) {
 }
 
 std::int64_t processIdentifier(REALobjectStruct *instance, std::intptr_t) {
-    return trapCocoaExceptions<std::int64_t>(
-        0, [&]() -> std::int64_t { return [wrappedObject(instance) processIdentifier]; });
+    return integerProperty([&] { return [wrappedObject(instance) processIdentifier]; });
 }
 
 std::int64_t operatingSystem(REALobjectStruct *instance, std::intptr_t) {
-    return trapCocoaExceptions<std::int64_t>(
-        0, [&] { return static_cast<std::int64_t>([wrappedObject(instance) operatingSystem]); });
+    return integerProperty([&] { return [wrappedObject(instance) operatingSystem]; });
 }
 
 std::int64_t activeProcessorCount(REALobjectStruct *instance, std::intptr_t) {
-    return trapCocoaExceptions<std::int64_t>(0, [&] {
-        return static_cast<std::int64_t>([wrappedObject(instance) activeProcessorCount]);
-    });
+    return integerProperty([&] { return [wrappedObject(instance) activeProcessorCount]; });
 }
 
 std::int64_t processorCount(REALobjectStruct *instance, std::intptr_t) {
-    return trapCocoaExceptions<std::int64_t>(
-        0, [&] { return static_cast<std::int64_t>([wrappedObject(instance) processorCount]); });
+    return integerProperty([&] { return [wrappedObject(instance) processorCount]; });
 }
 
 std::uint64_t physicalMemory(REALobjectStruct *instance, std::intptr_t) {
