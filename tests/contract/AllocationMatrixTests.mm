@@ -7,38 +7,10 @@
 #include <gmock/gmock.h>
 
 #include <iostream>
-#include <map>
-#include <ostream>
 
 namespace {
 
 using namespace matrix;
-
-/// The sizes asked for, in bytes, and what is to be seen when one of them is refused.
-struct Memory {
-    std::vector<std::size_t> sizes;
-    Aftermath refused;
-};
-
-// Text of 100 units or more is written to a block of six bytes a unit, and 800 bytes or more of
-// UTF-32 are rewritten as UTF-16 in a block of its largest size.
-const std::map<std::string, Memory> &memoryOfOperations() {
-    static const std::map<std::string, Memory> memory = {
-        {"hostName, long", {{720}, gives("nil")}},
-        {"string, long", {{720}, gives("String(nil)")}},
-        {"UTF-32 text, long, old host", {{802}, gives("nil")}},
-    };
-    return memory;
-}
-
-Operations everyOperation() {
-    Operations all;
-    for (const Operations *operations :
-         {&propertyOperations(), &methodOperations(), &lifeOperations(), &valueOperations(),
-          &memoryOperations(), &collectionOperations(), &wrapperOperations(), &textOperations()})
-        all.insert(all.end(), operations->begin(), operations->end());
-    return all;
-}
 
 class AllocationMatrix : public testing::TestWithParam<Operation> {
 protected:
@@ -71,13 +43,11 @@ protected:
 
 TEST_P(AllocationMatrix, ShowsOfEveryAllocationWhatBecomesOfItsFailure) {
     scene.host.clearTrace();
-    const auto found = memoryOfOperations().find(operation.name);
-    const Memory memory = found == memoryOfOperations().end() ? Memory{} : found->second;
-    const std::string asked = testing::PrintToString(memory.sizes) + ", 0 unfreed";
+    const std::string asked = testing::PrintToString(operation.allocations) + ", 0 unfreed";
     EXPECT_EQ(seenWith(0), operation.present.text() + asked) << operation.name;
-    for (std::size_t n = 1; n <= memory.sizes.size(); ++n)
-        EXPECT_EQ(seenWith(n), memory.refused.text() + asked) << operation.name << ", " << n;
-    const auto cells = static_cast<int>(1 + memory.sizes.size());
+    for (std::size_t n = 1; n <= operation.allocations.size(); ++n)
+        EXPECT_EQ(seenWith(n), operation.unallocated.text() + asked) << operation.name << ", " << n;
+    const auto cells = static_cast<int>(1 + operation.allocations.size());
     RecordProperty("cells", cells);
     std::cout << cells << " cells\n";
 }

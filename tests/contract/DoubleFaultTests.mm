@@ -194,15 +194,6 @@ protected:
     Act act = operation.arrange(scene);
 };
 
-std::vector<Operation> everyOperation() {
-    std::vector<Operation> all;
-    for (const Operations *operations :
-         {&propertyOperations(), &methodOperations(), &lifeOperations(), &valueOperations(),
-          &memoryOperations(), &collectionOperations(), &wrapperOperations(), &textOperations()})
-        all.insert(all.end(), operations->begin(), operations->end());
-    return all;
-}
-
 // The first is one of C++, to which a block's making answers by itself.
 constexpr Fault firstFaults[] = {Fault::badAlloc, Fault::cocoa};
 

@@ -115,6 +115,28 @@ struct Act {
     std::function<std::string()> state = nullptr; ///< the instance's, afterwards
 };
 
+/// What comes of an exception in one of the messages that an operation sends.
+struct Handling {
+    /// The result after an NSException in the trap, by the messages sent, the failing one included.
+    std::function<std::string(const Lines &sent)> fallback = nullptr; // none: there is no trap
+    /// References that are not given back when an exception leaves the operation, or when the trap
+    /// catches it.
+    std::function<Lines(const Lines &sent, bool leaves)> kept = [](const Lines &, bool) {
+        return Lines{};
+    };
+    /// The first messages, to which the trap does not reach.
+    std::size_t untrapped = 0;
+    /// The message whose NSException is dropped, and what the operation gives then.
+    std::string dropped = {};
+    std::string instead = {};
+};
+
+std::function<std::string(const Lines &)> always(std::string value);
+/// These, whatever happens.
+std::function<Lines(const Lines &, bool)> keeping(Lines references);
+/// All messages are sent in the trap.
+Handling trapping(std::string fallback);
+
 struct Operation {
     std::string name;
     std::function<Act(Scene &)> arrange;
@@ -122,6 +144,9 @@ struct Operation {
     Rows rows = {};    ///< of all services used, in the order of their first use
     std::optional<double> hostVersion = 2013.04;
     bool withInstance = true; ///< off: nothing of the plug-in ran before
+    Handling handling = {};
+    std::vector<std::size_t> allocations = {}; ///< that the plug-in asks for itself, in bytes
+    Aftermath unallocated = {};                ///< what is to be seen when one is refused
 };
 using Operations = std::vector<Operation>;
 
@@ -141,6 +166,8 @@ const Operations &memoryOperations();
 const Operations &collectionOperations();
 const Operations &wrapperOperations();
 const Operations &textOperations();
+/// All of them.
+const Operations &everyOperation();
 
 /// The exception that leaves the body, as text; "" when it returns.
 std::string leaving(const std::function<void()> &body);

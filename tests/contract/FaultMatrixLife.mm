@@ -45,7 +45,8 @@ void addConstruction(Operations &all) {
     const Lines binding = {"[NSProcessInfo processInfo]", "[shared retain]"};
     all.push_back({.name = "Constructor",
                    .arrange = constructing,
-                   .present = nothing.doing(binding).in("bound, registered")});
+                   .present = nothing.doing(binding).in("bound, registered"),
+                   .handling = trapping("nil")});
 
     const Aftermath unbound = nothing.doing(binding).in("empty, unregistered");
     all.push_back({.name = "Constructor, refused",
@@ -60,13 +61,15 @@ void addConstruction(Operations &all) {
                            return constructing(scene);
                        },
                    .present = troubled(unbound),
-                   .rows = trapReport(unbound)});
+                   .rows = trapReport(unbound),
+                   .handling = trapping("nil")});
 
     all.push_back(
         {.name = "Constructor a second time",
          .arrange = [](Scene &scene) { return calling(scene, "Constructor"); },
          .present = nothing.raising("UnsupportedOperationException: " + std::string(tooOften)),
-         .rows = raisingInHost("UnsupportedOperationException", tooOften, nothing)});
+         .rows = raisingInHost("UnsupportedOperationException", tooOften, nothing),
+         .handling = trapping("nil")});
 
     const auto making = [](Scene &scene) {
         return Act{
@@ -95,7 +98,8 @@ void addDestruction(Operations &all) {
     };
     all.push_back({.name = "class destructor",
                    .arrange = destructing,
-                   .present = nothing.doing({"[shared release]"}).in("empty, unregistered")});
+                   .present = nothing.doing({"[shared release]"}).in("empty, unregistered"),
+                   .handling = trapping("nil")});
     const Aftermath kept = nothing.doing({"[shared release]"}).in("bound, unregistered");
     all.push_back({.name = "class destructor, refused",
                    .arrange =
@@ -110,7 +114,8 @@ void addDestruction(Operations &all) {
                            return act;
                        },
                    .present = troubled(kept),
-                   .rows = trapReport(kept)});
+                   .rows = trapReport(kept),
+                   .handling = trapping("nil")});
     all.push_back({.name = "class destructor of an empty instance",
                    .arrange =
                        [](Scene &scene) {
@@ -120,7 +125,8 @@ void addDestruction(Operations &all) {
                                return "nil";
                            }};
                        },
-                   .present = nothing});
+                   .present = nothing,
+                   .handling = trapping("nil")});
 }
 
 // The method as it stands in the class's record: what it gives comes with a reference, or should.
@@ -137,12 +143,14 @@ void addSharedMethods(Operations &all) {
                    .arrange = sharedInstance,
                    .present = gives("NSProcessInfoZKT(the object)")
                                   .doing({"[NSProcessInfo processInfo]", "[shared retain]"}),
-                   .rows = {{"PluginNewInstance", unmade, trapped(unmade, unmade)}}});
+                   .rows = {{"PluginNewInstance", unmade, trapped(unmade, unmade)}},
+                   .handling = trapping("nil")});
     all.push_back({.name = "processInfo, first of all",
                    .arrange = sharedInstance,
                    .present = all.back().present,
                    .rows = all.back().rows,
-                   .withInstance = false});
+                   .withInstance = false,
+                   .handling = {.fallback = always("nil"), .untrapped = 4}});
     const Aftermath known =
         gives("NSProcessInfoZKT(the object)").doing({"[NSProcessInfo processInfo]"});
     all.push_back({.name = "processInfo again",
@@ -154,7 +162,8 @@ void addSharedMethods(Operations &all) {
                        },
                    .present = known,
                    .rows = {{"REALLockObject", known.giving(known.value + " without a reference"),
-                             trapped(unmade, unmade)}}});
+                             trapped(unmade, unmade)}},
+                   .handling = trapping("nil")});
     all.push_back(
         {.name = "NSProcessInfoThermalStateDidChangeNotification",
          .arrange =

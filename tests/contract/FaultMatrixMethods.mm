@@ -4,6 +4,8 @@
 
 #include "ActivityScene.h"
 
+#include <algorithm>
+
 namespace matrix {
 
 namespace {
@@ -36,11 +38,18 @@ Rows arrayRows() {
              trapped(gives("[\"abc\"]").holding({"String"}), nothing.holding({"String"}))}};
 }
 
+/// The elements that were inserted before the failing message asked for the next one.
+std::string argumentsSoFar(const Lines &sent) {
+    const auto requests = std::ranges::count(sent, "nextObject");
+    return requests <= 1 ? "[]" : requests == 2 ? "[\"abc\"]" : "[\"abc\", \"def\"]";
+}
+
 void addArguments(Operations &all) {
     all.push_back({.name = "argument",
                    .arrange = [](Scene &scene) { return calling(scene, "argument", {0}); },
                    .present = gives("\"abc\""),
-                   .rows = stringBuilding(nothing, gives("\"abc\" undeclared"))});
+                   .rows = stringBuilding(nothing, gives("\"abc\" undeclared")),
+                   .handling = trapping("nil")});
     all.push_back({.name = "argument, refused",
                    .arrange =
                        [](Scene &scene) {
@@ -48,11 +57,13 @@ void addArguments(Operations &all) {
                            return calling(scene, "argument", {0});
                        },
                    .present = troubled(nothing),
-                   .rows = trapReport(nothing)});
+                   .rows = trapReport(nothing),
+                   .handling = trapping("nil")});
     all.push_back({.name = "arguments",
                    .arrange = [](Scene &scene) { return calling(scene, "arguments"); },
                    .present = gives("[\"abc\", \"def\"]"),
-                   .rows = arrayRows()});
+                   .rows = arrayRows(),
+                   .handling = {.fallback = argumentsSoFar}});
     // The array is made first, and is the result however far it was filled.
     const Aftermath empty = gives("[]");
     const Rows creation = {
@@ -67,23 +78,25 @@ void addArguments(Operations &all) {
                            return calling(scene, "arguments");
                        },
                    .present = troubled(empty),
-                   .rows = inOrder(creation, report)});
-    all.push_back(
-        {.name = "arguments, without an object",
-         .arrange =
-             [](Scene &scene) {
-                 setHandle(scene.host, scene.info, nullptr);
-                 return calling(scene, "arguments");
-             },
-         .present = empty,
-         .rows = {{"RuntimeArrayCreateSingleDimBoundedArray", nothing, passing(nothing)}}});
+                   .rows = inOrder(creation, report),
+                   .handling = {.fallback = argumentsSoFar}});
+    all.push_back({.name = "arguments, without an object",
+                   .arrange =
+                       [](Scene &scene) {
+                           setHandle(scene.host, scene.info, nullptr);
+                           return calling(scene, "arguments");
+                       },
+                   .present = empty,
+                   .rows = {{"RuntimeArrayCreateSingleDimBoundedArray", nothing, passing(nothing)}},
+                   .handling = {.fallback = argumentsSoFar}});
     all.push_back({.name = "argument, without an object",
                    .arrange =
                        [](Scene &scene) {
                            setHandle(scene.host, scene.info, nullptr);
                            return calling(scene, "argument", {0});
                        },
-                   .present = nothing});
+                   .present = nothing,
+                   .handling = trapping("nil")});
 }
 
 // Activities
@@ -109,6 +122,11 @@ Rows readingTheReason(const Aftermath &read) {
             {"REALGetStringCFString", read, trapped(unread, unread)}};
 }
 
+/// The instance is made behind the first two messages.
+Lines onceMade(const Lines &sent, bool) {
+    return sent.size() > 2 ? abandoned : Lines{};
+}
+
 void addBeginning(Operations &all) {
     const Aftermath begun = gives("activity(token, \"why\", 255, active)").doing(begin);
     const Aftermath unmade = nothing.doing(beginUpTo(2));
@@ -118,14 +136,16 @@ void addBeginning(Operations &all) {
                    .present = begun.holding({"String"}), // the activity's reason
                    .rows = inOrder(Rows{{"PluginNewInstance", unmade, trapped(unmade, unmade)}},
                                    readingTheReason(begun.holding({"String"})),
-                                   Rows{{"REALLockString", begun, trapped(unlocked, unlocked)}})});
+                                   Rows{{"REALLockString", begun, trapped(unlocked, unlocked)}}),
+                   .handling = {.fallback = always("nil"), .kept = onceMade}});
 
     Lines withoutReason = begin;
     withoutReason[3] = "[shared beginActivityWithOptions:255 reason:nil]";
     all.push_back({.name = "beginActivity, without a reason",
                    .arrange = [](Scene &scene) { return beginning(scene, ""); },
                    .present = gives("activity(token, nil, 255, active)").doing(withoutReason),
-                   .rows = {{"PluginNewInstance", unmade, trapped(unmade, unmade)}}});
+                   .rows = {{"PluginNewInstance", unmade, trapped(unmade, unmade)}},
+                   .handling = {.fallback = always("nil"), .kept = onceMade}});
 
     const Aftermath unbegun = nothing.doing(beginUpTo(4)).holding(abandoned);
     all.push_back({.name = "beginActivity, refused",
@@ -136,14 +156,16 @@ void addBeginning(Operations &all) {
                        },
                    .present = troubled(unbegun),
                    .rows = inOrder(Rows{{"PluginNewInstance", unmade, trapped(unmade, unmade)}},
-                                   readingTheReason(troubled(unbegun)), trapReport(unbegun))});
+                                   readingTheReason(troubled(unbegun)), trapReport(unbegun)),
+                   .handling = {.fallback = always("nil"), .kept = onceMade}});
     all.push_back({.name = "beginActivity, unknown to the system",
                    .arrange =
                        [](Scene &scene) {
                            scene.shared->unknown.insert("beginActivityWithOptions:reason:");
                            return beginning(scene, "why");
                        },
-                   .present = unmade});
+                   .present = unmade,
+                   .handling = {.fallback = always("nil"), .kept = onceMade}});
 }
 
 const Lines end = {"[NSProcessInfo processInfo]", "[shared respondsToSelector:endActivity:]",
@@ -167,7 +189,8 @@ Act ending(Scene &scene) {
 void addEnding(Operations &all) {
     all.push_back({.name = "endActivity",
                    .arrange = ending,
-                   .present = ended("no token, \"why\", 255, ended").doing(end)});
+                   .present = ended("no token, \"why\", 255, ended").doing(end),
+                   .handling = {.fallback = always("nil"), .kept = keeping({"String"})}});
     const Aftermath unended =
         ended("token, \"why\", 255, active").doing({end.begin(), end.begin() + 4});
     all.push_back({.name = "endActivity, refused",
@@ -177,12 +200,14 @@ void addEnding(Operations &all) {
                            return ending(scene);
                        },
                    .present = troubled(unended),
-                   .rows = trapReport(unended)});
+                   .rows = trapReport(unended),
+                   .handling = {.fallback = always("nil"), .kept = keeping({"String"})}});
     all.push_back(
         {.name = "endActivity of nil",
          .arrange = [](Scene &scene) { return calling(scene, "endActivity", {host::Value()}); },
          .present = nothing.raising("NilObjectException: activity is nil"),
-         .rows = raisingInHost("NilObjectException", "activity is nil", nothing)});
+         .rows = raisingInHost("NilObjectException", "activity is nil", nothing),
+         .handling = {.fallback = always("nil"), .kept = keeping({"String"})}});
 }
 
 // The activity class's own methods, on an instance that goes on living.
@@ -199,6 +224,10 @@ Act ownMethod(Scene &scene, const char *method) {
             .state = [&scene, activity] { return scene.stateOf(activity); }};
 }
 
+Lines theReasonIfLeft(const Lines &, bool leaves) {
+    return leaves ? Lines{"String"} : Lines{};
+}
+
 void addActivityMethods(Operations &all) {
     all.push_back({.name = "activity Constructor",
                    .arrange = [](Scene &scene) { return ownMethod(scene, "Constructor"); },
@@ -212,7 +241,8 @@ void addActivityMethods(Operations &all) {
                    .arrange = [](Scene &scene) { return ownMethod(scene, "Destructor"); },
                    .present = gone.doing(endDirectly),
                    .rows = {{"REALUnlockString", gone.doing(endDirectly).holding({"String"}),
-                             passing(unreleased.doing(endDirectly))}}});
+                             passing(unreleased.doing(endDirectly))}},
+                   .handling = {.fallback = always("nil"), .kept = theReasonIfLeft}});
 
     // The trap reports, and the destructor goes on.
     const Lines upToEnd = {endDirectly.begin(), endDirectly.begin() + 2};
@@ -232,7 +262,8 @@ void addActivityMethods(Operations &all) {
                             {"REALUnlockObject", kept,
                              passing(before.raising(trouble).holding({"NSExceptionZKT"}))},
                             {"REALUnlockString", troubled(gone.doing(upToEnd)).holding({"String"}),
-                             passing(troubled(unreleased.doing(upToEnd)))}}});
+                             passing(troubled(unreleased.doing(upToEnd)))}},
+                   .handling = {.fallback = always("nil"), .kept = theReasonIfLeft}});
 }
 
 // Termination
@@ -245,7 +276,8 @@ void addTermination(Operations &all) {
                                           scene.useOwn();
                                           return calling(scene, method);
                                       },
-                                  .present = nothing.doing({"[own " + std::string(method) + ']'})};
+                                  .present = nothing.doing({"[own " + std::string(method) + ']'}),
+                                  .handling = trapping("nil")};
         all.push_back(operation);
         all.push_back(refused(operation));
     }
@@ -262,7 +294,8 @@ void addTermination(Operations &all) {
                                     return calling(scene, method, {host::Value("why")});
                                 },
                             .present = sent,
-                            .rows = rows(sent)};
+                            .rows = rows(sent),
+                            .handling = trapping("nil")};
         all.push_back(operation);
         operation.rows = rows(troubled(sent));
         all.push_back(refused(operation));

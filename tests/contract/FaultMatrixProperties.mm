@@ -52,14 +52,16 @@ void addWithoutAnswer(Operations &all, const char *property, const char *neutral
                            return reading(scene, property);
                        },
                    .present = troubled(gives(neutral)),
-                   .rows = trapReport(gives(neutral))});
+                   .rows = trapReport(gives(neutral)),
+                   .handling = trapping(neutral)});
     all.push_back({.name = std::string(property) + ", without an object",
                    .arrange =
                        [property](Scene &scene) {
                            setHandle(scene.host, scene.info, nullptr);
                            return reading(scene, property);
                        },
-                   .present = gives(neutral)});
+                   .present = gives(neutral),
+                   .handling = trapping(neutral)});
 }
 
 void addNumbers(Operations &all) {
@@ -70,7 +72,8 @@ void addNumbers(Operations &all) {
                                answerNumbers(scene);
                                return reading(scene, property);
                            },
-                       .present = gives(answer)});
+                       .present = gives(answer),
+                       .handling = trapping(neutral)});
         addWithoutAnswer(all, name, neutral);
     }
 }
@@ -80,7 +83,8 @@ void addStrings(Operations &all) {
         all.push_back({.name = property,
                        .arrange = [property](Scene &scene) { return reading(scene, property); },
                        .present = gives("\"abc\""),
-                       .rows = stringValue("abc")});
+                       .rows = stringValue("abc"),
+                       .handling = trapping("nil")});
         addWithoutAnswer(all, property, "nil");
     }
     static const std::string longText(120, 'x');
@@ -92,7 +96,10 @@ void addStrings(Operations &all) {
                            return reading(scene, "hostName");
                        },
                    .present = gives('"' + longText + '"'),
-                   .rows = stringValue(longText.c_str())});
+                   .rows = stringValue(longText.c_str()),
+                   .handling = trapping("nil"),
+                   .allocations = {720},
+                   .unallocated = gives("nil")});
 }
 
 // One key with one value, both strings. The key is converted first, and then the value; only then
@@ -121,7 +128,8 @@ void addEnvironment(Operations &all) {
     all.push_back({.name = "environment",
                    .arrange = [](Scene &scene) { return reading(scene, "environment"); },
                    .present = gives("{String(\"k\"): String(\"v\")}"),
-                   .rows = environmentRows()});
+                   .rows = environmentRows(),
+                   .handling = trapping("nil")});
     addWithoutAnswer(all, "environment", "nil");
 }
 
@@ -144,7 +152,8 @@ void addSetters(Operations &all) {
          .arrange = [](Scene &scene) { return settingName(scene, "new", host::encoding::utf8); },
          .present = named("\"new\""),
          .rows = {{"REALGetStringEncoding", named("\"new\""), trapped(nothing, nothing)},
-                  {"REALGetStringCFString", named("\"new\""), trapped(nothing, nothing)}}});
+                  {"REALGetStringCFString", named("\"new\""), trapped(nothing, nothing)}},
+         .handling = trapping("nil")});
     all.push_back({.name = "set processName to nil",
                    .arrange =
                        [](Scene &scene) {
@@ -154,7 +163,8 @@ void addSetters(Operations &all) {
                                    scene.host.set(scene.info, "processName", host::Value()));
                            }};
                        },
-                   .present = named("nil")});
+                   .present = named("nil"),
+                   .handling = trapping("nil")});
     all.push_back(
         {.name = "set processName, refused",
          .arrange =
@@ -166,7 +176,8 @@ void addSetters(Operations &all) {
          .rows = inOrder(
              Rows{{"REALGetStringEncoding", troubled(named("\"new\"")), trapped(nothing, nothing)},
                   {"REALGetStringCFString", troubled(named("\"new\"")), trapped(nothing, nothing)}},
-             trapReport(named("\"new\"")))});
+             trapReport(named("\"new\""))),
+         .handling = trapping("nil")});
     const Aftermath set = nothing.doing({"[own setAutomaticTerminationSupportEnabled:1]"});
     const auto enabling = [](Scene &scene) {
         scene.useOwn();
@@ -175,8 +186,10 @@ void addSetters(Operations &all) {
                                              host::Value(true)));
         }};
     };
-    all.push_back(
-        {.name = "set automaticTerminationSupportEnabled", .arrange = enabling, .present = set});
+    all.push_back({.name = "set automaticTerminationSupportEnabled",
+                   .arrange = enabling,
+                   .present = set,
+                   .handling = trapping("nil")});
     all.push_back({.name = "set automaticTerminationSupportEnabled, refused",
                    .arrange =
                        [enabling](Scene &scene) {
@@ -184,7 +197,8 @@ void addSetters(Operations &all) {
                            return enabling(scene);
                        },
                    .present = troubled(set),
-                   .rows = trapReport(set)});
+                   .rows = trapReport(set),
+                   .handling = trapping("nil")});
 }
 
 // A name without a declared encoding is read by its bytes, whatever else the host could give. A
@@ -199,12 +213,12 @@ void addUndeclaredName(Operations &all) {
         {.name = "set processName, undeclared",
          .arrange = [](Scene &scene) { return settingName(scene, "new", host::encoding::unknown); },
          .present = named("\"new\""),
-         .rows = {
-             {"REALGetStringEncoding", named("\"new\""), leaves},
-             {"REALLockString", overReleased, leaves},
-             {"StringGetCString", named("nil"), leaves},
-             {"REALLoadGlobalMethod", named("\"\""), leaves},
-             {"REALUnlockString", named("\"new\"").holding({"String"}), trapped(kept, kept)}}});
+         .rows = {{"REALGetStringEncoding", named("\"new\""), leaves},
+                  {"REALLockString", overReleased, leaves},
+                  {"StringGetCString", named("nil"), leaves},
+                  {"REALLoadGlobalMethod", named("\"\""), leaves},
+                  {"REALUnlockString", named("\"new\"").holding({"String"}), trapped(kept, kept)}},
+         .handling = trapping("nil")});
 }
 
 } // namespace

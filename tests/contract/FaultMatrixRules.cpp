@@ -92,6 +92,31 @@ std::string testNameOf(const Operation &operation) {
     return name;
 }
 
+std::function<std::string(const Lines &)> always(std::string value) {
+    return [value = std::move(value)](const Lines &) { return value; };
+}
+
+std::function<Lines(const Lines &, bool)> keeping(Lines references) {
+    return [references = std::move(references)](const Lines &, bool) { return references; };
+}
+
+Handling trapping(std::string fallback) {
+    return {.fallback = always(std::move(fallback))};
+}
+
+const Operations &everyOperation() {
+    static const Operations all = [] {
+        Operations operations;
+        for (const Operations *some :
+             {&propertyOperations(), &methodOperations(), &lifeOperations(), &valueOperations(),
+              &memoryOperations(), &collectionOperations(), &wrapperOperations(),
+              &textOperations()})
+            operations.insert(operations.end(), some->begin(), some->end());
+        return operations;
+    }();
+    return all;
+}
+
 Aftermath gives(std::string value) {
     return Aftermath{.value = std::move(value)};
 }

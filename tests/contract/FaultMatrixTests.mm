@@ -2,12 +2,14 @@
 
 #import "FaultMatrixScene.h"
 
+#include "host/core/PluginRecords.h"
 #include "host/services/Services.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <iostream>
+#include <span>
 
 namespace {
 
@@ -183,3 +185,50 @@ INSTANTIATE_TEST_SUITE_P(OfWrapper, FaultMatrix, testing::ValuesIn(matrix::wrapp
                          testName);
 INSTANTIATE_TEST_SUITE_P(OfText, FaultMatrix, testing::ValuesIn(matrix::textOperations()),
                          testName);
+
+namespace {
+
+/// The operation of that name, or one whose name goes on behind a comma or a blank.
+bool isInMatrices(const std::string &name) {
+    return std::ranges::any_of(everyOperation(), [&](const Operation &operation) {
+        const std::string_view known = operation.name;
+        return known.starts_with(name) && (known.size() == name.size() ||
+                                           known[name.size()] == ',' || known[name.size()] == ' ');
+    });
+}
+
+/// The functions that a class names to the host, as operations are named.
+Lines functionsOf(const host::PluginClassRecord &record, const std::string &prefix) {
+    Lines names;
+    if (record.constructor != nullptr)
+        names.push_back(prefix + "class constructor");
+    if (record.destructor != nullptr)
+        names.push_back(prefix + "class destructor");
+    for (const auto &property : std::span(record.properties, record.propertyCount)) {
+        if (!host::accessorIsField(property.getter))
+            names.push_back(prefix + property.name);
+        if (property.setter != nullptr && !host::accessorIsField(property.setter))
+            names.push_back(prefix + "set " + property.name);
+    }
+    for (const auto methods : {std::span(record.methods, record.methodCount),
+                               std::span(record.sharedMethods, record.sharedMethodCount)})
+        for (const auto &method : methods) {
+            const std::string declaration = method.declaration;
+            names.push_back(prefix + declaration.substr(0, declaration.find_first_of("( ")));
+        }
+    return names;
+}
+
+} // namespace
+
+TEST(Matrices, HaveAnOperationForEveryFunctionThatTheClassesNameToTheHost) {
+    const LoadedPlugin loaded;
+    const auto &records = loaded.host.registeredRecords();
+    ASSERT_EQ(records.size(), 2u);
+    const Lines ofInfo = functionsOf(*records[0], "");
+    const Lines ofActivity = functionsOf(*records[1], "activity ");
+    EXPECT_EQ(ofInfo.size() + ofActivity.size(), 33u) << "so that none is overlooked here";
+    for (const Lines &names : {ofInfo, ofActivity})
+        for (const std::string &name : names)
+            EXPECT_TRUE(isInMatrices(name)) << name;
+}

@@ -95,6 +95,8 @@ const Operations &textOperations() {
         addOldHost(operations, "UTF-32 text, old host", utf32, host::encoding::utf32, "ab");
         addOldHost(operations, "UTF-32 text, long, old host", longUtf32, host::encoding::utf32,
                    std::string(200, 'a'));
+        operations.back().allocations = {802};
+        operations.back().unallocated = nothing;
         addPlain(operations);
         return operations;
     }();

@@ -38,7 +38,9 @@ void addText(Operations &all) {
         {.name = "string, long",
          .arrange = conversion([] { return [NSString stringWithUTF8String:longText.c_str()]; }),
          .present = gives("String(\"" + longText + "\")"),
-         .rows = textRows(longText)});
+         .rows = textRows(longText),
+         .allocations = {720},
+         .unallocated = gives("String(nil)")});
     all.push_back({.name = "string, empty",
                    .arrange = conversion([] { return @""; }),
                    .present = gives("String(nil)"),
@@ -212,7 +214,8 @@ void addStructures(Operations &all) {
                                return handingOver(converting(scene, value), host::box("hooked"),
                                                   &value->hookAnswer);
                            },
-                       .present = gives("String(\"hooked\")")});
+                       .present = gives("String(\"hooked\")"),
+                       .handling = {.kept = keeping({"Variant"})}});
         all.push_back({.name = "time " + std::to_string(i) + ", without a hook",
                        .arrange = [code = times[i]](
                                       Scene &scene) { return convertingStructure(scene, code); },

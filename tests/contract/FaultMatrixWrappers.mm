@@ -114,7 +114,8 @@ void addViews(Operations &all) {
                            return handingOver(convertingHookedView(scene), host::box("hooked"),
                                               &hookAnswer);
                        },
-                   .present = gives("String(\"hooked\")")});
+                   .present = gives("String(\"hooked\")"),
+                   .handling = {.kept = keeping({"Variant"})}});
     all.push_back({.name = "view that a sibling leaves",
                    .arrange = convertingHookedView,
                    .present = gives("NSViewZKT(the object), retained 1"),
@@ -140,7 +141,8 @@ void addBox(Operations &all) {
                            return handingOver(convertingNew(scene, "ZKTREALobjectWrapper"),
                                               host::box("boxed"), &hookAnswer);
                        },
-                   .present = gives("String(\"boxed\")")});
+                   .present = gives("String(\"boxed\")"),
+                   .handling = {.kept = keeping({"Variant"})}});
 }
 
 // Core Foundation's objects. Cocoa's exceptions are dropped on this way, and the object is wrapped
@@ -173,17 +175,22 @@ Row makingTyped() {
             true};
 }
 
+const Handling wrappedByClass = {.dropped = "_cfTypeID",
+                                 .instead = "NSObjectZKT(the object), retained 1"};
+
 void addCoreFoundation(Operations &all) {
     all.push_back(
         {.name = "Core Foundation object",
          .arrange = [](Scene &scene) { return convertingTyped(scene, "CFUUIDZKT", wrapperTag); },
          .present = gives("CFUUIDZKT(the object), retained 1"),
-         .rows = {makingTyped()}});
+         .rows = {makingTyped()},
+         .handling = wrappedByClass});
     all.push_back(
         {.name = "Core Foundation object of a type that the host does not know",
          .arrange = [](Scene &scene) { return convertingTyped(scene, "CFObjectZKT", wrapperTag); },
          .present = gives("CFObjectZKT(the object), retained 1"),
-         .rows = {makingTyped()}});
+         .rows = {makingTyped()},
+         .handling = wrappedByClass});
     all.push_back({.name = "Core Foundation object like any object",
                    .arrange =
                        [](Scene &scene) {
@@ -191,15 +198,18 @@ void addCoreFoundation(Operations &all) {
                            return convertingNew(scene, "MatrixPlain");
                        },
                    .present = gives("CFObjectZKT(the object), retained 1"),
-                   .rows = {makingTyped()}});
+                   .rows = {makingTyped()},
+                   .handling = wrappedByClass});
     all.push_back({.name = "Core Foundation object like any object, unknown to the host",
                    .arrange = [](Scene &scene) { return convertingNew(scene, "MatrixPlain"); },
                    .present = nothing,
-                   .rows = {makingTyped()}});
+                   .rows = {makingTyped()},
+                   .handling = wrappedByClass});
     all.push_back({.name = "Core Foundation object and a class without the tag",
                    .arrange = [](Scene &scene) { return convertingTyped(scene, "CFUUIDZKT", 7); },
                    .present = nothing.holding({"CFUUIDZKT"}),
-                   .rows = {makingTyped()}});
+                   .rows = {makingTyped()},
+                   .handling = wrappedByClass});
 }
 
 } // namespace

@@ -11,107 +11,10 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
-#include <ostream>
 
 namespace {
 
 using namespace matrix;
-
-/// What comes of an exception in one of an operation's messages.
-struct Handling {
-    /// After an exception in the trap; by the messages sent, the failing one included.
-    std::function<std::string(const Lines &sent)> fallback = nullptr; // none: there is no trap
-    /// References that are not given back when an exception leaves the operation, or when the trap
-    /// catches it.
-    std::function<Lines(const Lines &sent, bool leaves)> held = [](const Lines &, bool) {
-        return Lines{};
-    };
-    /// The first messages, to which the trap does not reach.
-    std::size_t untrapped = 0;
-    /// The message whose NSException is dropped, and what the operation gives then.
-    std::string dropped = {};
-    std::string instead = {};
-};
-
-struct Case {
-    Operation operation;
-    Handling handling;
-};
-
-void PrintTo(const Case &tested, std::ostream *out) {
-    *out << tested.operation.name;
-}
-
-std::function<std::string(const Lines &)> always(std::string value) {
-    return [value = std::move(value)](const Lines &) { return value; };
-}
-
-/// The elements that were inserted before the failing message asked for the next one.
-std::string argumentsSoFar(const Lines &sent) {
-    const auto requests = std::ranges::count(sent, "nextObject");
-    return requests <= 1 ? "[]" : requests == 2 ? "[\"abc\"]" : "[\"abc\", \"def\"]";
-}
-
-Handling handlingOf(const std::string &operation) {
-    const std::string name = operation.substr(0, operation.find(','));
-    static const std::map<std::string, std::string> numbers = {
-        {"thermalState", "-1"},
-        {"processIdentifier", "0"},
-        {"operatingSystem", "0"},
-        {"activeProcessorCount", "0"},
-        {"processorCount", "0"},
-        {"argumentsCount", "0"},
-        {"physicalMemory", "0"},
-        {"systemUptime", "0"},
-        {"automaticTerminationSupportEnabled", "false"}};
-    if (const auto number = numbers.find(name); number != numbers.end())
-        return {.fallback = always(number->second)};
-    if (name == "arguments")
-        return {.fallback = argumentsSoFar};
-    // The instance is made behind the first two messages, and abandoned from then on.
-    if (name == "beginActivity")
-        return {.fallback = always("nil"), .held = [](const Lines &sent, bool) {
-                    return sent.size() > 2 ? Lines{"NSProcessInfoActivityZKT"} : Lines{};
-                }};
-    // The activity's reason is its own until it is destroyed.
-    if (name == "endActivity")
-        return {.fallback = always("nil"),
-                .held = [](const Lines &, bool) { return Lines{"String"}; }};
-    if (name == "activity Destructor")
-        return {.fallback = always("nil"), .held = [](const Lines &, bool leaves) {
-                    return leaves ? Lines{"String"} : Lines{};
-                }};
-    // The family's support is set up outside of the trap: two questions, two requests.
-    if (operation == "class constructor, first of all")
-        return {};
-    if (operation == "processInfo, first of all")
-        return {.fallback = always("nil"), .untrapped = 4};
-    return {.fallback = always("nil")};
-}
-
-Handling conversionOf(const std::string &name) {
-    // The test's host object, which the plug-in was to hand on.
-    if (name.ends_with("hooked") || name == "view that a sibling takes" ||
-        name == "boxed host object")
-        return {.held = [](const Lines &, bool) { return Lines{"Variant"}; }};
-    if (name.starts_with("Core Foundation object"))
-        return {.dropped = "_cfTypeID", .instead = "NSObjectZKT(the object), retained 1"};
-    return {};
-}
-
-std::vector<Case> everyCase() {
-    std::vector<Case> cases;
-    for (const Operations *operations :
-         {&propertyOperations(), &methodOperations(), &lifeOperations()})
-        for (const Operation &operation : *operations)
-            cases.push_back({operation, handlingOf(operation.name)});
-    for (const Operations *operations :
-         {&valueOperations(), &memoryOperations(), &collectionOperations(), &wrapperOperations(),
-          &textOperations()})
-        for (const Operation &operation : *operations)
-            cases.push_back({operation, conversionOf(operation.name)});
-    return cases;
-}
 
 bool reportsException(const std::string &selector) {
     return selector == "name" || selector == "reason" || selector == "userInfo" ||
@@ -120,7 +23,7 @@ bool reportsException(const std::string &selector) {
 
 constexpr Fault kinds[] = {Fault::cocoa, Fault::outOfRange};
 
-class MessageMatrix : public testing::TestWithParam<Case> {
+class MessageMatrix : public testing::TestWithParam<Operation> {
 protected:
     /// The operation with exceptions in the place of some of its messages: nothing if it does not
     /// send that many, else the difference from what is expected, or "as expected".
@@ -157,7 +60,7 @@ protected:
     std::size_t messages() {
         return std::stoul(inChild([&] {
             const Aftermath after = interrupted({});
-            if (visible(after).text() != visible(tested.operation.present).text())
+            if (visible(after).text() != visible(tested.present).text())
                 return "999, and gave\n" + after.text();
             return std::to_string(MessageSpy::sent().size());
         }));
@@ -172,14 +75,14 @@ protected:
 
     [[nodiscard]] Aftermath expected(const Lines &sent, const std::string &last,
                                      const std::map<std::size_t, Fault> &failing) const {
-        const Aftermath &normal = tested.operation.present;
+        const Aftermath &normal = tested.present;
         const Fault fault = failing.rbegin()->second;
         const bool reporting = !normal.logged.empty() && reportsException(last);
         if (failing.size() > 1 || reporting) { // the report itself is left
             Aftermath after{.left = exceptionOf(fault)};
             if (last == "NewNSExceptionZKT:")
                 after.logged = failing.size() > 1 ? Lines{"Fault: raised"} : normal.logged;
-            return after.holding(tested.handling.held(sent, true));
+            return after.holding(tested.handling.kept(sent, true));
         }
         if (fault == Fault::cocoa && sent.back() == tested.handling.dropped)
             return gives(tested.handling.instead);
@@ -188,8 +91,8 @@ protected:
             return gives(tested.handling.fallback(sent))
                 .logging("Fault: raised")
                 .raising("NSExceptionZKT: Fault: raised")
-                .holding(tested.handling.held(sent, false));
-        return Aftermath{.left = exceptionOf(fault)}.holding(tested.handling.held(sent, true));
+                .holding(tested.handling.kept(sent, false));
+        return Aftermath{.left = exceptionOf(fault)}.holding(tested.handling.kept(sent, true));
     }
 
     bool isTrapped(std::size_t message) {
@@ -199,9 +102,9 @@ protected:
                 }).empty();
     }
 
-    const Case &tested = GetParam();
-    Scene scene{tested.operation.hostVersion, tested.operation.withInstance};
-    Act act = tested.operation.arrange(scene);
+    const Operation &tested = GetParam();
+    Scene scene{tested.hostVersion, tested.withInstance};
+    Act act = tested.arrange(scene);
 };
 
 constexpr std::size_t messagesOfReport = 4;
@@ -217,7 +120,7 @@ TEST_P(MessageMatrix, ShowsOfEveryMessageWhatBecomesOfItsException) {
             return false;
         ++cells;
         EXPECT_EQ(seen, "as expected")
-            << tested.operation.name << ", message " << failing.begin()->first << ' '
+            << tested.name << ", message " << failing.begin()->first << ' '
             << nameOf(failing.begin()->second)
             << (failing.size() > 1
                     ? ", then the report's message " +
@@ -240,5 +143,5 @@ TEST_P(MessageMatrix, ShowsOfEveryMessageWhatBecomesOfItsException) {
     std::cout << cells << " cells\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, MessageMatrix, testing::ValuesIn(everyCase()),
-                         [](const auto &tested) { return testNameOf(tested.param.operation); });
+INSTANTIATE_TEST_SUITE_P(Of, MessageMatrix, testing::ValuesIn(everyOperation()),
+                         [](const auto &tested) { return testNameOf(tested.param); });
