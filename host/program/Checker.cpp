@@ -2,8 +2,8 @@
 
 #include "host/language/Names.h"
 
-#include "host/program/Nearest.h"
 #include "host/program/Types.h"
+#include "host/program/Wording.h"
 
 #include <algorithm>
 #include <utility>
@@ -67,7 +67,7 @@ void Checker::resolve(TypeName &name) {
             names.push_back(known->name);
     around_.report(name.at, "there is no type " + name.type.className +
                                 nearestAmong(names, name.type.className));
-    name.type = {.kind = TypeKind::variant, .isArray = name.type.isArray};
+    name.type = unknownType;
 }
 
 Slot Checker::declare(const Identifier &name, const Type &type, bool isConstant) {
@@ -133,6 +133,12 @@ void Checker::checkStatements(std::vector<Statement> &statements) {
 // Statements
 
 void Checker::check(Declare &statement, Position /*at*/) {
+    // "As New" names the class in the value too, where it is told when it is unknown.
+    const auto *made =
+        statement.value == nullptr ? nullptr : std::get_if<Create>(&statement.value->what);
+    if (made != nullptr && made->className.at == statement.type.at &&
+        around_.classes.find(made->className.name) == nullptr)
+        statement.type.type = unknownType;
     resolve(statement.type);
     bool valueIsChecked = false;
     for (Variable &variable : statement.variables) {
@@ -236,7 +242,7 @@ void Checker::check(ForEach &statement, Position /*at*/) {
         const Type &type = *statement.collection->type;
         if (type.isArray)
             element = elementOf(type);
-        else
+        else if (!(type == unknownType))
             around_.report(statement.collection->at,
                            "For Each goes through an array, not " + shown(type));
     }

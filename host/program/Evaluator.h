@@ -46,7 +46,23 @@ private:
         Value result = {};
         const Procedure *procedure = nullptr;
     };
-    class Clearing;
+    /// The end of a block: its variables are given up, in the order of their declarations.
+    class Clearing {
+    public:
+        Clearing(Frame &frame, std::size_t first, std::size_t end)
+            : frame_(frame), first_(first), end_(end) {}
+        ~Clearing() {
+            for (std::size_t i = first_; i < end_; ++i)
+                frame_.slots[i] = Value{};
+        }
+        Clearing(const Clearing &) = delete;
+        Clearing &operator=(const Clearing &) = delete;
+
+    private:
+        Frame &frame_;
+        std::size_t first_;
+        std::size_t end_;
+    };
 
     // Statements
     void prepare(const Statement &statement);

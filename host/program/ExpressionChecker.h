@@ -29,7 +29,7 @@ struct Surroundings {
 };
 
 /// Finds out what the names in expressions mean and of which type the values are. What is wrong is
-/// reported, and passes for a Variant from then on, so that it is reported once.
+/// reported once.
 class ExpressionChecker {
 public:
     explicit ExpressionChecker(Surroundings &surroundings) : around_(surroundings) {}

@@ -14,7 +14,7 @@ enum class Form { file, typed };
 struct Parsed {
     Program program;
     std::vector<Diagnostic> errors;
-    /// The end came where a block was still open: more lines may follow.
+    /// Nothing is wrong but that blocks are open at the end: more lines may follow.
     bool isIncomplete = false;
 };
 

@@ -17,10 +17,12 @@ std::optional<Uncaught> uncaughtBy(Host &host, Body body) {
         body();
         return std::nullopt;
     } catch (Raised &raised) {
-        const std::string className = host.className(raised.exception);
-        return Uncaught{.className = className,
-                        .message = host.get(raised.exception, "Message").text(),
-                        .lines = std::move(raised.lines)};
+        // The host tells what it knows of an exception that is raised.
+        host.raise(raised.exception);
+        Uncaught uncaught{.exception = *host.takePendingException(),
+                          .lines = std::move(raised.lines)};
+        uncaught.exception.object = {};
+        return uncaught;
     }
 }
 
@@ -32,8 +34,9 @@ Session::Session(Host &host, Form form, Settings settings)
 
 Loaded Session::load(std::string_view text) {
     Parsed parsed = parse(text, form_);
-    Loaded result{.errors = std::move(parsed.errors)};
-    result.isIncomplete = parsed.isIncomplete && result.errors.size() == 1;
+    Loaded result{.errors = std::move(parsed.errors), .isIncomplete = parsed.isIncomplete};
+    if (result.isIncomplete && form_ == Form::typed)
+        return result;
     auto program = std::make_unique<Program>(std::move(parsed.program));
     const bool isRead = result.errors.empty();
     std::ranges::move(checker_.check(*program, isRead), std::back_inserter(result.errors));
@@ -61,7 +64,8 @@ std::optional<Uncaught> Session::finish() {
 std::vector<std::string> circles(const Host &host) {
     std::vector<std::string> result;
     for (const Object *object : host.heap().liveObjects())
-        if (object->pluginReferences() == 0)
+        // A Variant in a circle is only what holds a value of another object.
+        if (object->pluginReferences() == 0 && object->type->name != "Variant")
             result.push_back(Heap::name(*object) +
                              " outlives the program: objects hold each other in a circle");
     return result;

@@ -17,13 +17,12 @@ namespace host::program {
 /// What a text came to before it ran.
 struct Loaded {
     std::vector<Diagnostic> errors; ///< in the order of the text; with any, nothing can be run
-    bool isIncomplete = false;      ///< a block is open at the end, and that is the first error
+    bool isIncomplete = false;      ///< all that is wrong is that blocks are open at the end
 };
 
-/// An exception that no Catch took, in words: it outlives the host's objects.
+/// An exception that no Catch took.
 struct Uncaught {
-    std::string className;
-    std::string message;
+    RaisedException exception;      ///< without the object
     std::vector<RunningLine> lines; ///< innermost first, never empty
 };
 

@@ -139,6 +139,8 @@ struct Expression {
     std::optional<Type> type = {};
 };
 
+/// Of what was told to be wrong: fits everywhere, so that it is told once.
+inline const Type unknownType{.kind = TypeKind::variant, .className = "unknown"};
 /// The type of Nil: an object of no class.
 inline const Type nilType{.kind = TypeKind::object};
 

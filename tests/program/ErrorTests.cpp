@@ -16,8 +16,7 @@ TEST(Error, UnknownNamesWithTheNearest) {
     expectErrors("Dim d As Dictonary\n",
                  {"1:10: there is no type Dictonary; the nearest is Dictionary"});
     expectErrors("Dim d As New Dictonary\n",
-                 {"1:14: there is no class Dictonary; the nearest is Dictionary",
-                  "1:14: there is no type Dictonary; the nearest is Dictionary"});
+                 {"1:14: there is no class Dictonary; the nearest is Dictionary"});
     expectErrors("Dim d As Date\nPrint d.Yaer\nd.Moonth = 1\n",
                  {"2:9: Date has no member Yaer; the nearest is Year",
                   "3:3: Date has no member Moonth; the nearest is Month"});

@@ -139,7 +139,7 @@ TEST(Exception, AFailedAssertion) {
 TEST(Exception, EndlessRecursionIsOne) {
     const Ran ran = runProgram("Sub Again(n As Integer)\nAgain n + 1\nEnd Sub\nAgain 1\n");
     ASSERT_TRUE(ran.uncaught);
-    EXPECT_EQ(ran.uncaught->className, "StackOverflowException");
+    EXPECT_EQ(ran.uncaught->exception.className, "StackOverflowException");
     EXPECT_EQ(ran.uncaught->lines.front().line, 2U);
     EXPECT_EQ(ran.uncaught->lines.back().line, 4U);
     expectPrints("Sub Again\nAgain\nEnd Sub\nTry\nAgain\nCatch e As StackOverflowException\n"

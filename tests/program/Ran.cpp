@@ -48,7 +48,7 @@ void expectPrints(std::string_view text, std::string_view printed) {
     const Ran ran = runProgram(text);
     EXPECT_THAT(ran.errors, IsEmpty());
     EXPECT_EQ(ran.printed, printed);
-    EXPECT_FALSE(ran.uncaught) << ran.uncaught->className << ": " << ran.uncaught->message;
+    EXPECT_FALSE(ran.uncaught) << ran.uncaught->exception.className;
     EXPECT_THAT(ran.violations, IsEmpty());
     EXPECT_EQ(ran.account.liveObjects, 0U);
     EXPECT_EQ(ran.account.liveStrings, 0U);
@@ -66,7 +66,9 @@ void expectUncaught(std::string_view text, std::string_view exception) {
     const Ran ran = runProgram(text);
     EXPECT_THAT(ran.errors, IsEmpty());
     ASSERT_TRUE(ran.uncaught);
-    EXPECT_EQ(ran.uncaught->className + ": " + ran.uncaught->message, exception);
+    EXPECT_EQ(ran.uncaught->exception.className + ": " +
+                  ran.uncaught->exception.message.value_or(""),
+              exception);
     EXPECT_THAT(ran.violations, IsEmpty());
     EXPECT_EQ(ran.account.liveObjects, 0U);
 }

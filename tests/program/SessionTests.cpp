@@ -24,7 +24,7 @@ protected:
             seen.push_back("error: " + error.text);
         if (loaded.errors.empty())
             if (const auto uncaught = session.run())
-                seen.push_back(uncaught->className);
+                seen.push_back(uncaught->exception.className);
         return loaded;
     }
 
@@ -84,6 +84,7 @@ TEST_F(SessionTest, GoesOnBehindAnException) {
 TEST_F(SessionTest, KnowsABlockThatGoesOn) {
     EXPECT_TRUE(session.load("If True Then").isIncomplete);
     EXPECT_TRUE(session.load("Sub f\nWhile True\nWend").isIncomplete);
+    EXPECT_TRUE(session.load("Try\nIf unknown Then\nPrint 1").isIncomplete);
     EXPECT_FALSE(session.load("If True Then\nPrint (\n").isIncomplete);
     EXPECT_FALSE(session.load("Next").isIncomplete);
     EXPECT_FALSE(session.load("If True Then\nEnd If").isIncomplete);

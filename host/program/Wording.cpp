@@ -1,4 +1,4 @@
-#include "host/program/Nearest.h"
+#include "host/program/Wording.h"
 
 #include "host/language/EditDistance.h"
 #include "host/language/Names.h"
@@ -6,6 +6,11 @@
 #include <algorithm>
 
 namespace host::program {
+
+std::string counted(std::size_t count, std::string_view one) {
+    return (count == 0 ? "no" : std::to_string(count)) + ' ' + std::string(one) +
+           (count == 1 ? "" : "s");
+}
 
 std::string nearestAmong(const std::vector<std::string> &names, std::string_view wanted) {
     const std::string folded = foldedName(wanted);
