@@ -85,16 +85,31 @@ host::Image &load(host::Host &host, const zkthost::Options &options) {
     }
 }
 
-Status call(host::Host &host, const std::string &expression) {
-    const zkthost::CallResult result = zkthost::evaluate(host, expression);
+/// What a program keeps alive at its end is told like what the plug-in does.
+Status programVerdict(host::Host &host) {
     host.shutDown();
-    if (!result.raised)
-        print(stdout, result.text + '\n');
     const Status status = verdict(host);
-    if (!result.raised)
-        return status;
-    complain(result.text, raisedException);
-    return status == fine ? raisedException : status;
+    const std::vector<std::string> circles = host::program::circles(host);
+    for (const std::string &circle : circles)
+        print(stderr, "leak: " + circle + '\n');
+    return circles.empty() ? status : misbehaved;
+}
+
+Status call(host::Host &host, const zkthost::Options &options) {
+    const zkthost::CallResult result = zkthost::evaluate(host, options.expression);
+    print(stderr, result.errors);
+    if (options.format != host::DescriptionFormat::json)
+        print(stdout, result.text);
+    const Status status = programVerdict(host);
+    if (!result.errors.empty())
+        return status == fine ? badInput : status;
+    if (result.raised) {
+        complain(*result.raised, raisedException);
+        return status == fine ? raisedException : status;
+    }
+    if (options.format == host::DescriptionFormat::json)
+        print(stdout, callAsJson(result, host.account()));
+    return status;
 }
 
 zkthost::CocoaSource sourceOf(const zkthost::Options &options) {
@@ -126,20 +141,22 @@ Status convert(host::Host &host, const host::Image &image, const zkthost::Option
     return status == fine ? raisedException : status;
 }
 
-/// What the program keeps alive at its end is told like what the plug-in does.
 Status runProgram(host::Host &host, const zkthost::Options &options) {
+    if (options.program.empty()) {
+        if (isatty(STDIN_FILENO) == 0)
+            throw zkthost::InputError("no program: name its FILE, or - for standard input");
+        load(host, options);
+        zkthost::runPrompt(host);
+        return programVerdict(host);
+    }
     const std::string &file = options.program.front();
     const std::string text = zkthost::readProgram(file);
     load(host, options);
     const zkthost::ProgramEnd end = zkthost::runProgram(host, file, text);
-    host.shutDown();
-    const Status status = verdict(host);
-    const std::vector<std::string> circles = host::program::circles(host);
-    for (const std::string &circle : circles)
-        print(stderr, "leak: " + circle + '\n');
+    const Status status = programVerdict(host);
     if (end == zkthost::ProgramEnd::refused)
-        return badInput;
-    return end == zkthost::ProgramEnd::fine && circles.empty() ? status : misbehaved;
+        return status == fine ? badInput : status;
+    return end == zkthost::ProgramEnd::fine ? status : misbehaved;
 }
 
 Status run(host::Host &host, const zkthost::Options &options) {
@@ -152,7 +169,7 @@ Status run(host::Host &host, const zkthost::Options &options) {
         return verdict(host);
     }
     if (options.command == zkthost::Command::call)
-        return call(host, options.expression);
+        return call(host, options);
     if (options.command == zkthost::Command::convert)
         return convert(host, image, options);
     const zkthost::Report report = zkthost::makeReport(host, image);

@@ -100,11 +100,14 @@ CommandLine parseCommandLine(int argc, const char *const *argv) {
     CLI::App *report = app.add_subcommand("report", "Every property of this process");
     report->add_option("--format", format, "text or json");
     CLI::App *call = app.add_subcommand(
-        "call", "One member of the shared object: 'argument(0)', 'processName = \"x\"', "
-                "'beginActivity(&hFF, \"work\").Options', 'New NSProcessInfoActivityZKT.Handle'");
-    call->add_option("expression", options.expression, "What to evaluate")
-        ->type_name("EXPRESSION")
+        "call",
+        "Statements of the host's language with ; between them, and the values of those "
+        "that are expressions; other names are members of the shared object: 'argument(0)', "
+        "'processName = \"x\"; processName', 'beginActivity(&hFF, \"work\").Options'");
+    call->add_option("statements", options.expression, "What to run")
+        ->type_name("STATEMENTS")
         ->required();
+    call->add_option("--format", format, "text or json");
 
     CLI::App *convert = app.add_subcommand(
         "convert", "What the plug-in makes of a Cocoa object; of an example without --plist and "

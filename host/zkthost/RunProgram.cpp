@@ -62,7 +62,8 @@ std::string errorsAsText(std::string_view file, const std::vector<program::Diagn
 std::string uncaughtAsText(std::string_view file, const program::Uncaught &uncaught) {
     const auto &lines = uncaught.lines;
     std::string text = lines.empty() ? std::string(file) + ": " : placeOf(file, lines.front());
-    text += "uncaught " + uncaught.className + ": " + uncaught.message + '\n';
+    text += "uncaught " + uncaught.exception.className + ": " +
+            uncaught.exception.message.value_or("") + '\n';
     for (std::size_t i = 0; lines.size() > 1 && i < lines.size(); ++i) {
         if (lines.size() > shownLines && i == shownLines / 2) {
             i = lines.size() - shownLines / 2;

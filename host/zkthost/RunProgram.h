@@ -18,6 +18,9 @@ std::string errorsAsText(std::string_view file,
 /// "FILE:LINE: uncaught CLASS: MESSAGE", then the lines that led there.
 std::string uncaughtAsText(std::string_view file, const host::program::Uncaught &uncaught);
 
+/// Reads lines from the terminal, runs them and shows their values, until the input ends.
+void runPrompt(host::Host &host);
+
 enum class ProgramEnd { fine, uncaught, refused };
 
 /// Checks and runs a program; what is to be told of it goes to standard error. What the plug-in

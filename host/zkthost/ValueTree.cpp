@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <vector>
 
 namespace zkthost {
 
@@ -75,6 +76,26 @@ Leaf leafOf(const VariantContent &content) {
             number};
 }
 
+/// Containers that are being shown, from the outermost in: what holds itself would have no end.
+class Inside {
+public:
+    explicit Inside(ObjectHandle container)
+        : isRepeated_(path.size() == mostLevels ||
+                      std::ranges::find(path, container) != path.end()) {
+        path.push_back(container);
+    }
+    ~Inside() { path.pop_back(); }
+    Inside(const Inside &) = delete;
+    Inside &operator=(const Inside &) = delete;
+
+    [[nodiscard]] bool isRepeated() const { return isRepeated_; }
+
+private:
+    static constexpr std::size_t mostLevels = 100;
+    static inline std::vector<ObjectHandle> path;
+    bool isRepeated_;
+};
+
 struct Entry {
     std::string key; ///< as text
     Value keyValue;
@@ -87,12 +108,15 @@ std::vector<Entry> sortedEntries(ObjectHandle dictionary);
 void addTree(std::string &text, const Value &value, std::size_t depth) {
     const ObjectRef object = box(value);
     const std::string type = Host::current().className(object);
+    const Inside inside(object);
     const std::string indentation = '\n' + std::string(2 * depth + 2, ' ');
     if (object.handle() == nullptr) {
         text += "nil";
     } else if (type == "Variant") {
         const Leaf leaf = leafOf(variant(object));
         text += leaf.type == "String" ? leaf.text : leaf.type + ' ' + leaf.text;
+    } else if (inside.isRepeated()) {
+        text += type + " (not shown again)";
     } else if (type == "Array") {
         const std::vector<Value> elements = arrayObjects(object);
         text += "Array, " + counted(elements.size(), "element", "elements");
@@ -156,12 +180,15 @@ Json treeAsJson(const Value &value) {
     if (object.handle() == nullptr)
         return nullptr;
     const std::string type = Host::current().className(object);
+    const Inside inside(object);
     Json json = Json::object();
     json["type"] = type;
     if (type == "Variant") {
         Leaf leaf = leafOf(variant(object));
         json["type"] = leaf.type;
         json["value"] = std::move(leaf.json);
+    } else if (inside.isRepeated()) {
+        json["repeated"] = true;
     } else if (type == "Array") {
         json["elements"] = arrayAsJson(object);
     } else if (type == "Dictionary") {
