@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <iterator>
-#include <tuple>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace fs = std::filesystem;
