@@ -133,7 +133,7 @@ TEST(Declaration, BadMethodsNameTheColumn) {
         {"f() as", "column 7: expected a type"},
         {"f(a as integer,)", "column 16: expected a parameter"},
         {"f(a as string(1))", "column 15: expected \")\""},
-        {"f(Assigns a as integer, b as integer)", "column 24: expected nothing behind"},
+        {"f(Assigns a as integer, b as integer)", "column 25: expected nothing behind"},
         {"f(a() as string())", "expected one pair of brackets"},
         {"f(a as string = \"x)", "expected a closing quote"},
         {"as as integer", "column 1: expected a name"},
