@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <cstddef>
@@ -23,4 +25,7 @@ public:
     void failAll();
     /// The n-th allocation fails, counted from 1.
     void fail(std::size_t n);
+
+private:
+    Alone<AllocationSpy> alone_;
 };

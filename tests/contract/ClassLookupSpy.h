@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <string>
@@ -18,4 +20,7 @@ public:
     [[nodiscard]] std::size_t count(const std::string &name) const;
     /// All names that were asked for, by the alphabet, each as often.
     [[nodiscard]] std::vector<std::string> names() const;
+
+private:
+    Alone<ClassLookupSpy> alone_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <functional>
@@ -19,4 +21,7 @@ public:
 
     /// For the functions: tells of a call, and gives what the action answers, or true.
     static bool tell(const void *caller, std::string_view function);
+
+private:
+    Alone<CoreFoundationCalls> alone_;
 };

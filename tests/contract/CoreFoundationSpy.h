@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <functional>
@@ -27,4 +29,7 @@ public:
     void answerLength(long length);
     /// CFStringGetCString answers false and writes nothing.
     void refuseConversion();
+
+private:
+    Alone<CoreFoundationSpy> alone_;
 };

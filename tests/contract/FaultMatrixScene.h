@@ -10,14 +10,6 @@
 
 #include <memory>
 
-/// A process-information object with an environment of the test's.
-@interface MatrixProcessInfo : ProcessInfoDouble {
-@public
-    NSDictionary *environmentAnswer; // not retained
-}
-- (NSDictionary *)environment;
-@end
-
 namespace matrix {
 
 /// What an operation of the matrix is arranged in: a host, an instance around an object of the
@@ -29,7 +21,7 @@ struct Scene : LoadedPlugin {
     explicit Scene(std::optional<double> version, bool withInstance = true);
     ~Scene();
 
-    OwnObject<MatrixProcessInfo> object; ///< behind the instance
+    OwnObject<ProcessInfoDouble> object; ///< behind the instance
     Traced own{"own"};                   ///< the same, for the operations that change something
     Traced shared{"shared"};             ///< the process's shared object, with substituteShared
     Traced token{"token"};               ///< of every activity

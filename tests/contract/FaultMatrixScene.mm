@@ -14,16 +14,6 @@
 #include <unistd.h>
 #include <utility>
 
-@implementation MatrixProcessInfo
-
-- (NSDictionary *)environment {
-    if (answers.raising != nil)
-        [answers.raising raise];
-    return environmentAnswer;
-}
-
-@end
-
 namespace matrix {
 
 namespace {
@@ -85,7 +75,7 @@ Scene::Scene(std::optional<double> version, bool withInstance)
     : LoadedPlugin{{.version = version}} {
     object->answers.string = @"abc";
     object->answers.arguments = @[ @"abc", @"def" ];
-    object->environmentAnswer = @{@"k" : @"v"};
+    object->answers.environment = @{@"k" : @"v"};
     shared->activity = token;
     if (withInstance) {
         info = host.newInstance(processInfoClass);

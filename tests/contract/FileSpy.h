@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <cstdint>
@@ -41,4 +43,7 @@ public:
     void answerLength(long length);
     /// Runs behind the line of each call of the function; may throw.
     void onCall(std::string_view function, std::function<void()> action);
+
+private:
+    Alone<FileSpy> alone_;
 };

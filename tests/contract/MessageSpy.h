@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <cstddef>
@@ -22,4 +24,7 @@ public:
 
     /// The selectors that the last spy saw, interrupted ones too.
     static const std::vector<std::string> &sent();
+
+private:
+    Alone<MessageSpy> alone_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #import <Foundation/Foundation.h>
 
 #include <cstddef>
@@ -22,4 +24,7 @@ public:
 
     /// Answers that nobody has asked for.
     [[nodiscard]] std::size_t left() const;
+
+private:
+    Alone<ScriptedProcessInfo> alone_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #import <Foundation/Foundation.h>
@@ -23,4 +25,7 @@ public:
     void answer(std::vector<id> objects);
     /// At the n-th request from now on, counted from 1, the action runs instead, and may throw.
     void interrupt(std::size_t n, std::function<void()> action);
+
+private:
+    Alone<SharedObjectSubstitute> alone_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include "host/image/Image.h"
 
 #include <functional>
@@ -19,4 +21,7 @@ public:
     void answer(const void *string);
     /// Runs behind the line, before the function; may throw.
     void before(std::function<void()> action);
+
+private:
+    Alone<StringCreationSpy> alone_;
 };

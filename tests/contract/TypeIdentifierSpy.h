@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Alone.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 
 /// Lets functions for type identifiers give other answers while it lives. One at a time; the
@@ -12,4 +14,7 @@ public:
     TypeIdentifierSpy &operator=(const TypeIdentifierSpy &) = delete;
 
     void answer(CFTypeID (*function)(), CFTypeID identifier);
+
+private:
+    Alone<TypeIdentifierSpy> alone_;
 };
