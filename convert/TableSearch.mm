@@ -37,7 +37,7 @@ constexpr auto namedRows = [] {
     for (std::size_t row = 0; row != std::size(classRows); ++row)
         if (row != booleanRow)
             rows[count++] = {classRows[row].cocoaClass, static_cast<RowIndex>(row)};
-    std::ranges::sort(rows, std::less<NamedRow>());
+    std::ranges::sort(rows, std::less<>());
     return rows;
 }();
 static_assert(std::ranges::all_of(namedRows,
@@ -116,8 +116,7 @@ RowIndex valueRowOf(Class cls) {
 // The row of any other class, or noRow. Such classes come and go, so that a name says little: the
 // row's class is the one that is loaded under the name now.
 RowIndex pairRowOf(Class cls, const char *name) {
-    const auto *found =
-        std::ranges::lower_bound(namedRows, NamedRow{name, noRow}, std::less<NamedRow>());
+    const auto *found = std::ranges::lower_bound(namedRows, NamedRow{name, noRow}, std::less<>());
     return found != namedRows.end() && found->name == name && objc_getClass(name) == cls
                ? found->row
                : noRow;

@@ -16,7 +16,9 @@ namespace {
 
 template <class Spy, class... Arguments>
 void expectAlone(const Arguments &...arguments) {
-    { const Spy gone(arguments...); }
+    {
+        const Spy gone(arguments...);
+    }
     const Spy first(arguments...);
     EXPECT_THROW(Spy(arguments...), std::logic_error);
 }
