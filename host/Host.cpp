@@ -5,6 +5,7 @@
 #include "host/classes/Invoker.h"
 #include "host/core/Cocoa.h"
 #include "host/core/PluginCall.h"
+#include "host/crash/CrashHandler.h"
 #include "host/family/Siblings.h"
 #include "host/language/Encodings.h"
 
@@ -132,9 +133,24 @@ void Host::onUnexamined(std::function<void(const std::string &)> handler) {
     unexaminedHandler() = std::move(handler);
 }
 
+namespace {
+
+// In a signal handler.
+void sayWhoIsAtWork(crash::Writer &writer) {
+    if (const PluginCall *call = PluginCall::current()) {
+        for (const std::string_view word : call->words())
+            writer << word;
+        writer << " crashed: ";
+    }
+}
+
+} // namespace
+
 Image &Host::loadPlugin(const std::filesystem::path &file, const ImageOptions &imageOptions) {
     static std::vector<std::unique_ptr<Image>> images;
     Image &image = *images.emplace_back(openImage(file, imageOptions));
+    crash::addImage(image.file(), image.memory().data(), image.memory().size());
+    crash::setActor(sayWhoIsAtWork);
     void *const pool = pushAutoreleasePool();
     PluginCall call(PluginCall::Kind::entryPoint, "");
     image.entryPoint()(resolver());

@@ -99,15 +99,19 @@ public:
     CallLine &operator=(const CallLine &) = delete;
     ~CallLine() {
         if (traced_ && !done_)
-            host_.tracer().addResult(place_, " threw");
+            host_.tracer().end(place_, " threw");
     }
 
-    void done() { done_ = true; }
+    void done() {
+        done_ = true;
+        if (traced_)
+            host_.tracer().end(place_, "");
+    }
     template <typename Result>
     Result result(Result value) {
         done_ = true;
         if (traced_)
-            host_.tracer().addResult(place_, " = " + callText::show(host_, value, true));
+            host_.tracer().end(place_, " = " + callText::show(host_, value, true));
         return value;
     }
 

@@ -149,26 +149,26 @@ Json classAsJson(const HostClass &type) {
             {"constants", std::move(constants)}};
 }
 
-std::string asJson(const std::vector<const HostClass *> &classes) {
-    Json array = Json::array();
-    for (const HostClass *type : classes)
-        array.push_back(classAsJson(*type));
-    return jsonText(array);
-}
-
 } // namespace
 
 std::string describeClasses(const Host &host, DescriptionFormat format) {
     const std::vector<const HostClass *> classes = host.classes().registered();
     switch (format) {
     case DescriptionFormat::json:
-        return asJson(classes);
+        return jsonText(classesAsJson(host));
     case DescriptionFormat::markdown:
         return asMarkdown(classes);
     case DescriptionFormat::text:
         break;
     }
     return asText(classes);
+}
+
+Json classesAsJson(const Host &host) {
+    Json array = Json::array();
+    for (const HostClass *type : host.classes().registered())
+        array.push_back(classAsJson(*type));
+    return array;
 }
 
 } // namespace host

@@ -2,6 +2,8 @@
 
 // The classes that plug-ins registered, exactly as they registered them.
 
+#include "host/core/Json.h"
+
 #include <string>
 
 namespace host {
@@ -12,5 +14,7 @@ enum class DescriptionFormat { text, json, markdown };
 
 /// Every registered class in order of registration, every row in table order.
 std::string describeClasses(const Host &host, DescriptionFormat format);
+/// The same as an array.
+Json classesAsJson(const Host &host);
 
 } // namespace host

@@ -39,7 +39,7 @@ std::array<std::string_view, 5> PluginCall::words() const {
     case Kind::destructor:
         return {"the destructor of ", className_};
     case Kind::setter:
-        return {className_, ".", member_, " = "};
+        return {"setting ", className_, ".", member_};
     case Kind::member:
         break;
     }

@@ -6,18 +6,28 @@
 namespace host {
 
 void Trace::lookup(std::string_view name, bool found) {
-    if (on_)
-        entries_.push_back({false, (found ? "find " : "miss ") + std::string(name)});
+    if (!on_)
+        return;
+    entries_.push_back({false, (found ? "find " : "miss ") + std::string(name)});
+    if (listener_)
+        listener_->stood(entries_.back().text);
 }
 
 std::size_t Trace::begin(std::string line) {
     entries_.push_back({true, std::move(line)});
-    return firstPlace_ + entries_.size() - 1;
+    const std::size_t place = firstPlace_ + entries_.size() - 1;
+    if (listener_)
+        listener_->begun(place, entries_.back().text);
+    return place;
 }
 
-void Trace::addResult(std::size_t place, std::string_view text) {
-    if (place >= firstPlace_ && place - firstPlace_ < entries_.size())
-        entries_[place - firstPlace_].text += text;
+void Trace::end(std::size_t place, std::string_view text) {
+    if (place < firstPlace_ || place - firstPlace_ >= entries_.size())
+        return;
+    std::string &line = entries_[place - firstPlace_].text;
+    line += text;
+    if (listener_)
+        listener_->ended(place, line, text);
 }
 
 std::vector<std::string> Trace::all() const {

@@ -34,11 +34,24 @@
 // own function need not be readable.
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace host {
+
+/// Told of lines as they happen. Each call is followed by its end; in between others may stand.
+struct TraceListener {
+    /// A line that is complete: a look-up.
+    std::function<void(const std::string &line)> stood;
+    /// The line of a call that has begun.
+    std::function<void(std::size_t place, const std::string &line)> begun;
+    /// The same with what its end added to it, which may be nothing.
+    std::function<void(std::size_t place, const std::string &line, std::string_view added)> ended;
+};
 
 class Trace {
 public:
@@ -48,7 +61,9 @@ public:
     void lookup(std::string_view name, bool found);
     /// Adds the line of a call and returns its place for the result.
     std::size_t begin(std::string line);
-    void addResult(std::size_t place, std::string_view text);
+    /// The call has returned; the text is its result, or nothing.
+    void end(std::size_t place, std::string_view text);
+    void setListener(TraceListener listener) { listener_ = std::move(listener); }
 
     [[nodiscard]] std::vector<std::string> all() const;
     [[nodiscard]] std::vector<std::string> calls() const;
@@ -64,6 +79,7 @@ private:
 
     bool on_ = true;
     std::vector<Entry> entries_;
+    std::optional<TraceListener> listener_;
     /// Places handed out before a clear() belong to lines that are gone.
     std::size_t firstPlace_ = 0;
 };

@@ -206,6 +206,10 @@ public:
     [[nodiscard]] const std::filesystem::path &file() const override { return path_; }
     [[nodiscard]] const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
     [[nodiscard]] EntryPoint entryPoint() const override { return entry_; }
+    [[nodiscard]] std::span<const std::byte> memory() const override {
+        const std::uint64_t end = std::ranges::max(segments_, {}, &Range::end).end;
+        return {reinterpret_cast<const std::byte *>(base_), end};
+    }
     bool contains(const void *address) const override {
         const std::uint64_t offset = reinterpret_cast<std::uint64_t>(address) - base_;
         return std::ranges::any_of(segments_,

@@ -4,9 +4,11 @@
 
 #include "host/core/PluginRecords.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -43,6 +45,8 @@ public:
     [[nodiscard]] virtual const std::vector<ImageSymbol> &symbols() const = 0;
     /// Never null.
     [[nodiscard]] virtual EntryPoint entryPoint() const = 0;
+    /// From the first to the last byte that the image was loaded to; there may be gaps.
+    [[nodiscard]] virtual std::span<const std::byte> memory() const = 0;
     /// Whether the address lies in the memory that the image was loaded to.
     virtual bool contains(const void *address) const = 0;
 

@@ -22,9 +22,11 @@ public:
     [[nodiscard]] const std::filesystem::path &file() const override { return path_; }
     [[nodiscard]] const std::vector<ImageSymbol> &symbols() const override { return symbols_; }
     [[nodiscard]] EntryPoint entryPoint() const override { return entry_; }
+    [[nodiscard]] std::span<const std::byte> memory() const override {
+        return {static_cast<const std::byte *>(image_.base()), image_.size()};
+    }
     bool contains(const void *address) const override {
-        const auto *start = static_cast<const std::byte *>(image_.base());
-        return address >= start && address < start + image_.size();
+        return address >= memory().data() && address < memory().data() + memory().size();
     }
 
 private:

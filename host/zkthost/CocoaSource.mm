@@ -7,6 +7,7 @@
 #import <Foundation/Foundation.h>
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -37,35 +38,72 @@ namespace zkthost {
 
 namespace {
 
-constexpr std::string_view exampleList = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0">
-<dict>
-    <key>array</key>
-    <array>
-        <string>first</string>
-        <array/>
-        <integer>3</integer>
-    </array>
-    <key>boolean</key>
-    <true/>
-    <key>data</key>
-    <data>aGVsbG8=</data>
-    <key>date</key>
-    <date>2001-01-02T03:04:05Z</date>
-    <key>dictionary</key>
-    <dict>
-        <key>inner</key>
-        <string>Gr&#252;&#223;e</string>
-    </dict>
-    <key>integer</key>
-    <integer>42</integer>
-    <key>real</key>
-    <real>1.5</real>
-    <key>string</key>
-    <string>text</string>
-</dict>
-</plist>
-)";
+/// A value of every kind; some of them no property list can hold.
+NSDictionary *exampleObject() {
+    const unsigned char bytes[] = {'h', 'e', 'l', 'l', 'o'};
+    return [NSDictionary
+        dictionaryWithObjectsAndKeys:[NSArray arrayWithObjects:@"first", [NSArray array],
+                                                               [NSNumber numberWithInt:3], nil],
+                                     @"array", [NSNumber numberWithBool:YES], @"boolean",
+                                     [NSData dataWithBytes:bytes length:sizeof bytes], @"data",
+                                     [NSDate dateWithTimeIntervalSince1970:978404645], @"date",
+                                     [NSDecimalNumber decimalNumberWithString:@"0.25"], @"decimal",
+                                     [NSDictionary dictionaryWithObject:@"Gr\u00FC\u00DFe"
+                                                                 forKey:@"inner"],
+                                     @"dictionary", [NSURL fileURLWithPath:@"/usr"], @"file",
+                                     [NSNumber numberWithInt:42], @"integer", [NSNull null],
+                                     @"null", [NSNumber numberWithDouble:1.5], @"real",
+                                     [NSSet setWithObject:@"element"], @"set", @"text", @"string",
+                                     [NSURL URLWithString:@"https://example.org/"], @"url", nil];
+}
+
+/// More would fill the stack of what reads and converts them.
+constexpr std::size_t deepestNesting = 1000;
+
+[[noreturn]] void refuseNesting(const std::filesystem::path &file) {
+    throw InputError("--plist " + file.string() + ": is nested too deeply, " +
+                     std::to_string(deepestNesting) + " levels are the most");
+}
+
+/// How deep the brackets of a list in text form go, or the elements of one in XML. No more than an
+/// estimate where they stand in texts.
+std::size_t nestingOf(std::string_view text) {
+    const bool isXml = text.find("<plist") != std::string_view::npos;
+    std::size_t depth = 0;
+    std::size_t deepest = 0;
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view rest = text.substr(i);
+        if (!isXml && rest[0] == '"')
+            isQuoted = !isQuoted;
+        if (!isXml && rest[0] == '\\')
+            ++i;
+        if (isQuoted)
+            continue;
+        const bool begins = isXml ? rest.starts_with("<array>") || rest.starts_with("<dict>")
+                                  : rest[0] == '(' || rest[0] == '{';
+        const bool ends = isXml ? rest.starts_with("</array>") || rest.starts_with("</dict>")
+                                : rest[0] == ')' || rest[0] == '}';
+        if (begins)
+            deepest = std::max(deepest, ++depth);
+        else if (ends && depth > 0)
+            --depth;
+    }
+    return deepest;
+}
+
+/// Whether an object holds others in so many levels. Looks no deeper.
+bool isDeeper(id object, std::size_t levels) {
+    const bool isDictionary = [object isKindOfClass:[NSDictionary class]];
+    if (!isDictionary && ![object isKindOfClass:[NSArray class]])
+        return false;
+    if (levels == 0)
+        return true;
+    for (id element in isDictionary ? [object allValues] : object)
+        if (isDeeper(element, levels - 1))
+            return true;
+    return false;
+}
 
 std::string readFile(const std::filesystem::path &file) {
     const auto fail = [&](const std::string &why) {
@@ -119,12 +157,18 @@ bool descendsFromNSObject(Class type) {
 CocoaSource CocoaSource::propertyList(const std::filesystem::path &file) {
     const host::AutoreleasePool pool;
     std::string reason;
-    const id object = parsed(readFile(file), reason);
+    const std::string bytes = readFile(file);
+    // A binary list says nothing of its depth before it is read.
+    if (!bytes.starts_with("bplist") && nestingOf(bytes) > deepestNesting)
+        refuseNesting(file);
+    const id object = parsed(bytes, reason);
     if (object == nil)
         throw InputError("--plist " + file.string() + ": is no property list" +
                          (reason.empty() ? "" : " (" + reason + ')'));
     CocoaSource source(holderOf(object));
     [object release];
+    if (isDeeper(object, deepestNesting))
+        refuseNesting(file);
     return source;
 }
 
@@ -153,13 +197,7 @@ CocoaSource CocoaSource::instanceOf(const std::string &className) {
 
 CocoaSource CocoaSource::example() {
     const host::AutoreleasePool pool;
-    std::string reason;
-    const id object = parsed(exampleList, reason);
-    if (object == nil)
-        throw InputError("the example is no property list: " + reason);
-    CocoaSource source(holderOf(object));
-    [object release];
-    return source;
+    return CocoaSource(holderOf(exampleObject()));
 }
 
 CocoaSource::CocoaSource(CocoaSource &&other) noexcept

@@ -53,6 +53,21 @@ std::size_t displayWidth(std::string_view utf8) {
     return width;
 }
 
+std::vector<std::string> folded(std::string_view utf8, std::size_t width) {
+    std::vector<std::string> lines{""};
+    std::size_t used = 0;
+    forEachCharacter(utf8, [&](UChar32 character, std::string_view bytes) {
+        const std::size_t own = character == U_SENTINEL ? 1 : widthOf(character);
+        if (used + own > width && used > 0) {
+            lines.emplace_back();
+            used = 0;
+        }
+        lines.back() += bytes;
+        used += own;
+    });
+    return lines;
+}
+
 std::string padded(std::string text, std::size_t width) {
     const std::size_t own = displayWidth(text);
     return own < width ? text.append(width - own, ' ') : text;

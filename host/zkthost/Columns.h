@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zkthost {
 
@@ -18,5 +19,9 @@ std::size_t displayWidth(std::string_view utf8);
 
 /// The text with blanks behind it up to that width; a wider one as it is.
 std::string padded(std::string text, std::size_t width);
+
+/// The text in pieces that fit into that width, at least one; a piece ends where the width does, in
+/// the middle of words too.
+std::vector<std::string> folded(std::string_view utf8, std::size_t width);
 
 } // namespace zkthost

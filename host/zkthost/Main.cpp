@@ -1,58 +1,58 @@
 // zkthost: loads a plug-in into the reference host and shows what it gives to programs.
 //
-// Exit status: 0 fine; 1 the plug-in misbehaved (violations, leaks, a foreign exception);
-// 2 the input cannot be worked with (one line on stderr); 3 what was called raised an exception;
-// 5 zkthost itself failed.
+// Its exit statuses are those of Status.h; zkthost --help has them in words.
 // A plug-in that misbehaved gives 1 whatever follows from it; its violations stand first.
 
 #include "host/Host.h"
 #include "host/classes/Description.h"
 #include "host/core/Cocoa.h"
 #include "host/core/PluginCall.h"
+#include "host/crash/CrashHandler.h"
 #include "host/zkthost/Call.h"
 #include "host/zkthost/CocoaSource.h"
+#include "host/zkthost/Columns.h"
 #include "host/zkthost/Convert.h"
-#include "host/zkthost/CrashMessage.h"
 #include "host/zkthost/ForeignExceptions.h"
+#include "host/zkthost/ImageFacts.h"
+#include "host/zkthost/LiveTrace.h"
 #include "host/zkthost/Options.h"
+#include "host/zkthost/Output.h"
+#include "host/zkthost/Prompt.h"
 #include "host/zkthost/Report.h"
+#include "host/zkthost/ReportText.h"
 #include "host/zkthost/RunProgram.h"
+#include "host/zkthost/Status.h"
+#include "host/zkthost/Surroundings.h"
 
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <exception>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace {
 
-enum Status { fine = 0, misbehaved = 1, badInput = 2, raisedException = 3, failed = 5 };
-
-void print(std::FILE *stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
+using namespace zkthost;
 
 Status complain(const std::string &what, Status status) {
-    print(stderr, "zkthost: " + what + '\n');
+    printError("zkthost: " + printable(what) + '\n');
     return status;
-}
-
-bool wantsColours() {
-    const char *terminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr &&
-           terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
 /// Tells what the plug-in did wrong until now; leaks are known once the host has been shut down.
 Status verdict(host::Host &host) {
     const auto &violations = host.violations();
-    std::fflush(stdout);
     for (const std::string &violation : violations)
-        print(stderr, "violation: " + violation + '\n');
+        printError("violation: " + violation + '\n');
     return violations.empty() ? fine : misbehaved;
+}
+
+/// In a signal handler; leaks are not known then.
+void tellViolations(crash::Writer &writer) {
+    if (host::Host::exists())
+        for (const std::string &violation : host::Host::current().violations())
+            writer << "violation: " << violation << "\n";
 }
 
 /// For work that ended early: what the plug-in did wrong until then may be the cause, and is then
@@ -72,7 +72,7 @@ Status giveUpAfter(host::Host &host, const std::string &kind, const std::string 
     return giveUp(host, "failed by itself, with " + kind + reason, failed);
 }
 
-host::Image &load(host::Host &host, const zkthost::Options &options) {
+host::Image &load(host::Host &host, const Options &options) {
     for (const std::string &service : options.withoutServices)
         host.services().hide(service);
     try {
@@ -81,8 +81,23 @@ host::Image &load(host::Host &host, const zkthost::Options &options) {
         const char *hint = options.imageIsDefault
                                ? " (build it with ./dev build, or name another with --image)"
                                : "";
-        throw zkthost::InputError(error.what() + std::string(hint));
+        throw InputError(error.what() + std::string(hint));
     }
+}
+
+Status describe(host::Host &host, const host::Image &image, host::DescriptionFormat format) {
+    using host::DescriptionFormat;
+    const ImageFacts facts = factsOf(image.file());
+    const std::string classes = describeClasses(host, format);
+    if (format == DescriptionFormat::json)
+        print(host::jsonText(
+            {{"schema", 1}, {"image", factsAsJson(facts)}, {"classes", classesAsJson(host)}}));
+    else if (format == DescriptionFormat::markdown)
+        print(factsAsMarkdown(facts) + '\n' + classes + importsAsMarkdown(facts));
+    else
+        print(factsAsText(facts) + '\n' + classes + importsAsText(facts));
+    host.shutDown();
+    return verdict(host);
 }
 
 /// What a program keeps alive at its end is told like what the plug-in does.
@@ -91,15 +106,15 @@ Status programVerdict(host::Host &host) {
     const Status status = verdict(host);
     const std::vector<std::string> circles = host::program::circles(host);
     for (const std::string &circle : circles)
-        print(stderr, "leak: " + circle + '\n');
+        printError("leak: " + circle + '\n');
     return circles.empty() ? status : misbehaved;
 }
 
-Status call(host::Host &host, const zkthost::Options &options) {
-    const zkthost::CallResult result = zkthost::evaluate(host, options.expression);
-    print(stderr, result.errors);
+Status call(host::Host &host, const Options &options) {
+    const CallResult result = evaluate(host, options.expression);
+    printError(result.errors);
     if (options.format != host::DescriptionFormat::json)
-        print(stdout, result.text);
+        print(result.text);
     const Status status = programVerdict(host);
     if (!result.errors.empty())
         return status == fine ? badInput : status;
@@ -108,32 +123,45 @@ Status call(host::Host &host, const zkthost::Options &options) {
         return status == fine ? raisedException : status;
     }
     if (options.format == host::DescriptionFormat::json)
-        print(stdout, callAsJson(result, host.account()));
+        print(callAsJson(result, host.account()));
     return status;
 }
 
-zkthost::CocoaSource sourceOf(const zkthost::Options &options) {
+CocoaSource sourceOf(const Options &options) {
     if (options.propertyList)
-        return zkthost::CocoaSource::propertyList(*options.propertyList);
+        return CocoaSource::propertyList(*options.propertyList);
     if (options.cocoaClass)
-        return zkthost::CocoaSource::instanceOf(*options.cocoaClass);
-    return zkthost::CocoaSource::example();
+        return CocoaSource::instanceOf(*options.cocoaClass);
+    return CocoaSource::example();
 }
 
-Status convert(host::Host &host, const host::Image &image, const zkthost::Options &options) {
+constexpr crash::Handling ownCrashes{.program = "zkthost", .status = crashed};
+
+/// A crash is then told of the input.
+void expectCrash(const std::string &what) {
+    static std::string subject;
+    subject = "zkthost: " + printable(what);
+    crash::handleCrashes({.program = subject.c_str(), .status = badInput});
+}
+
+Status convert(host::Host &host, const host::Image &image, const Options &options) {
     // Not every class bears an instance that only init has prepared.
-    std::optional<zkthost::CrashMessage> guard;
     if (options.cocoaClass)
-        guard.emplace("zkthost: --class " + *options.cocoaClass +
-                      ": Foundation crashed with an instance that alloc and init made");
-    const zkthost::CocoaSource source = sourceOf(options);
-    const zkthost::Conversion conversion = zkthost::convert(host, image, source);
+        expectCrash("--class " + *options.cocoaClass +
+                    ": Foundation crashed with an instance that alloc and init made");
+    if (options.propertyList)
+        expectCrash("--plist " + options.propertyList->string() +
+                    ": Foundation crashed reading it");
+    const CocoaSource source = sourceOf(options);
+    if (options.propertyList)
+        crash::handleCrashes(ownCrashes);
+    const Conversion conversion = convert(host, image, source);
     host.shutDown();
     const host::Account account = host.account();
     if (!conversion.raised)
-        print(stdout, options.format == host::DescriptionFormat::json
-                          ? conversionAsJson(conversion, account)
-                          : conversion.text + "\n\n" + describe(account) + '\n');
+        print(options.format == host::DescriptionFormat::json
+                  ? conversionAsJson(conversion, account)
+                  : conversion.text + "\n\n" + describe(account) + '\n');
     const Status status = verdict(host);
     if (!conversion.raised)
         return status;
@@ -141,49 +169,49 @@ Status convert(host::Host &host, const host::Image &image, const zkthost::Option
     return status == fine ? raisedException : status;
 }
 
-Status runProgram(host::Host &host, const zkthost::Options &options) {
+Status runProgram(host::Host &host, const Options &options) {
     if (options.program.empty()) {
         if (isatty(STDIN_FILENO) == 0)
-            throw zkthost::InputError("no program: name its FILE, or - for standard input");
+            throw InputError("no program: name its FILE, or - for standard input");
         load(host, options);
-        zkthost::runPrompt(host);
+        runPrompt(host);
         return programVerdict(host);
     }
     const std::string &file = options.program.front();
-    const std::string text = zkthost::readProgram(file);
+    const std::string text = readProgram(file);
     load(host, options);
-    const zkthost::ProgramEnd end = zkthost::runProgram(host, file, text);
+    const ProgramEnd end = zkthost::runProgram(host, file, text);
     const Status status = programVerdict(host);
-    if (end == zkthost::ProgramEnd::refused)
+    if (end == ProgramEnd::refused)
         return status == fine ? badInput : status;
-    return end == zkthost::ProgramEnd::fine ? status : misbehaved;
+    return end == ProgramEnd::fine ? status : misbehaved;
 }
 
-Status run(host::Host &host, const zkthost::Options &options) {
-    if (options.command == zkthost::Command::run)
-        return runProgram(host, options);
-    host::Image &image = load(host, options);
-    if (options.command == zkthost::Command::describe) {
-        print(stdout, describeClasses(host, options.format));
-        host.shutDown();
-        return verdict(host);
-    }
-    if (options.command == zkthost::Command::call)
-        return call(host, options);
-    if (options.command == zkthost::Command::convert)
-        return convert(host, image, options);
-    const zkthost::Report report = zkthost::makeReport(host, image);
+Status report(host::Host &host, const host::Image &image, const Options &options) {
+    const bool isText = options.format == host::DescriptionFormat::text;
+    ReportText text(styleOfOutput());
+    const Report report = makeReport(host, image, isText ? &text : nullptr);
     host.shutDown();
     const host::Account account = host.account();
-    if (options.format == host::DescriptionFormat::json)
-        print(stdout, reportAsJson(report, account));
-    else
-        print(stdout, reportAsText(report, wantsColours()) + '\n' + describe(account) + '\n');
+    print(isText ? '\n' + describe(account) + '\n' : reportAsJson(report, account));
     return verdict(host);
 }
 
+Status run(host::Host &host, const Options &options) {
+    if (options.command == Command::run)
+        return runProgram(host, options);
+    host::Image &image = load(host, options);
+    if (options.command == Command::describe)
+        return describe(host, image, options.format);
+    if (options.command == Command::call)
+        return call(host, options);
+    if (options.command == Command::convert)
+        return convert(host, image, options);
+    return report(host, image, options);
+}
+
 /// A program that runs sees itself and its own arguments.
-void startFoundation(int argc, char **argv, const zkthost::Options &options) {
+void startFoundation(int argc, char **argv, const Options &options) {
     const int count = static_cast<int>(options.program.size());
     host::startFoundation(count > 0 ? count : argc, count > 0 ? argv + argc - count : argv,
                           environ);
@@ -194,28 +222,38 @@ void startFoundation(int argc, char **argv, const zkthost::Options &options) {
 int main(int argc, char **argv) {
     // verdict() prints them; a host that dies early has its cause printed instead.
     host::Host::onUnexamined([](const std::string &) {});
-    zkthost::Options options;
+    Options options;
     try {
-        zkthost::CommandLine commandLine = zkthost::parseCommandLine(argc, argv);
+        const char *const *const original = originalArguments();
+        CommandLine commandLine = parseCommandLine(argc, original != nullptr ? original : argv);
         if (commandLine.text) {
-            print(stdout, *commandLine.text);
+            print(*commandLine.text);
             return fine;
         }
         options = std::move(commandLine.options);
-    } catch (const zkthost::InputError &error) {
+    } catch (const InputError &error) {
         return complain(error.what(), badInput);
+    } catch (const OutputError &error) {
+        return complain(error.what(), failed);
     }
     startFoundation(argc, argv, options);
+    crash::handleCrashes(ownCrashes);
+    crash::setEpilogue(tellViolations);
     // Outside of what exceptions leave: an NSException may live in the host's autorelease pool.
     host::Host host(options.host);
+    if (options.trace)
+        traceLive(host.tracer());
     try {
         Status status = fine;
-        const auto cocoa = zkthost::cocoaExceptionFrom([&] { status = run(host, options); });
+        const auto cocoa = cocoaExceptionFrom([&] { status = run(host, options); });
         return cocoa ? giveUpAfter(host, "an NSException", *cocoa) : status;
-    } catch (const zkthost::InputError &error) {
+    } catch (const InputError &error) {
         return giveUp(host, error.what(), badInput);
     } catch (const host::UsageError &error) {
         return giveUp(host, error.what(), badInput);
+    } catch (const OutputError &error) {
+        verdict(host);
+        return complain(error.what(), failed);
     } catch (const std::exception &error) {
         return giveUpAfter(host, "a C++ exception", error.what());
     } catch (...) {

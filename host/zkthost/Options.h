@@ -22,6 +22,7 @@ struct Options {
     bool imageIsDefault = true;
     host::HostOptions host = {};
     std::vector<std::string> withoutServices = {};
+    bool trace = false;
     std::string expression = {}; ///< of call
     /// Of run: the program's file and arguments; nothing for the prompt.
     std::vector<std::string> program = {};

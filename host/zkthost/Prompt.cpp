@@ -1,6 +1,7 @@
 // zkthost run on a terminal: lines are run as they are typed.
 
 #include "host/program/Conversion.h"
+#include "host/zkthost/Output.h"
 #include "host/zkthost/RunProgram.h"
 #include "host/zkthost/ValueTree.h"
 
@@ -18,11 +19,6 @@ namespace {
 using namespace host;
 
 constexpr std::string_view source = "line";
-
-void print(std::FILE *stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-    std::fflush(stream);
-}
 
 struct Freed {
     void operator()(char *text) const { std::free(text); }
@@ -54,26 +50,27 @@ std::optional<program::Loaded> readStatement(program::Session &session) {
 
 void tell(const std::optional<program::Uncaught> &uncaught) {
     if (uncaught)
-        print(stderr, uncaughtAsText(source, *uncaught));
+        printError(uncaughtAsText(source, *uncaught));
 }
 
 } // namespace
 
 void runPrompt(Host &host) {
-    print(stdout, "Statements are run as they are typed, values are shown; Ctrl-D ends.\n");
+    zkthost::print("Statements are run as they are typed, values are shown; Ctrl-D ends.\n");
     using_history();
     program::Session session(host, program::Form::typed,
-                             {.print = [](std::string_view lines) { print(stdout, lines); },
+                             {.print = [](std::string_view lines) { zkthost::print(lines); },
                               .show =
                                   [](const Value &value, const Type &type) {
-                                      print(stdout, treeAsText(program::plain(value, type)) + '\n');
+                                      zkthost::print(treeAsText(program::plain(value, type)) +
+                                                     '\n');
                                   }});
     while (const auto loaded = readStatement(session)) {
-        print(stderr, errorsAsText(source, loaded->errors));
+        printError(errorsAsText(source, loaded->errors));
         if (loaded->errors.empty())
             tell(session.run());
     }
-    print(stdout, "\n");
+    zkthost::print("\n");
     tell(session.finish());
 }
 

@@ -3,7 +3,8 @@
 #include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"
 #include "host/language/Names.h"
-#include "host/zkthost/Columns.h"
+#include "host/zkthost/ReportText.h"
+#include "host/zkthost/ValueTree.h"
 
 #include <algorithm>
 #include <map>
@@ -15,6 +16,7 @@ namespace {
 using namespace host;
 
 constexpr std::string_view className = "NSProcessInfoZKT";
+constexpr std::string_view activityClass = "NSProcessInfoActivityZKT";
 constexpr std::string_view sharedObject = "processInfo";
 
 std::string typeOf(const Method &method) {
@@ -93,8 +95,8 @@ Json jsonOf(const Value &value) {
     return std::visit(Convert{}, static_cast<const ValueAlternatives &>(value));
 }
 
-ReportRow rowOf(std::string name, std::string type, const Outcome &outcome) {
-    ReportRow row{.name = std::move(name), .type = std::move(type), .text = {}};
+ReportRow rowOf(RowHead head, const Outcome &outcome) {
+    ReportRow row{std::move(head), {}};
     if (outcome.exception) {
         row.exception = faultOf(*outcome.exception);
         row.text = *row.exception;
@@ -118,12 +120,21 @@ Json rowsAsJson(const std::vector<ReportRow> &rows) {
 std::vector<ReportRow> argumentsOf(Host &host, const ObjectRef &info) {
     const Outcome outcome = host.call(info, "arguments");
     if (outcome.raised() || outcome.isNil())
-        return {rowOf("arguments", "String()", outcome)};
+        return {rowOf({"arguments", "String()"}, outcome)};
     std::vector<ReportRow> rows;
     for (const Value &argument : arrayElements(outcome.object()))
-        rows.push_back(rowOf("argument " + std::to_string(rows.size()), "String",
+        rows.push_back(rowOf({"argument " + std::to_string(rows.size()), "String"},
                              Outcome{.value = argument, .exception = {}}));
     return rows;
+}
+
+/// What a Variant holds, or the object's class.
+std::string contentType(const Value &value) {
+    const auto *object = std::get_if<ObjectRef>(&value);
+    if (object == nullptr || object->handle() == nullptr)
+        return "Variant";
+    const std::string type = Host::current().className(*object);
+    return type == "Variant" ? std::string(nameOf(variant(*object).type)) : type;
 }
 
 /// The entries of a dictionary, sorted by key; none when there is no dictionary.
@@ -132,90 +143,121 @@ std::vector<ReportRow> entriesOf(const Outcome &dictionary) {
     if (dictionary.raised() || dictionary.isNil())
         return rows;
     for (const auto &[key, value] : dictionaryObjects(dictionary.object()))
-        rows.push_back(rowOf(textOf(key), "Variant", Outcome{.value = value, .exception = {}}));
+        rows.push_back(
+            rowOf({textOf(key), contentType(value)}, Outcome{.value = value, .exception = {}}));
     std::ranges::sort(rows, {}, &ReportRow::name);
     return rows;
 }
 
+/// Rows of which the names are known before the values, told as they come.
+class Telling {
+public:
+    Telling(ReportText *text, std::string_view title, const std::vector<RowHead> &heads)
+        : text_(text) {
+        if (text_ != nullptr && !heads.empty())
+            text_->section(title, heads);
+    }
+    void tell(const ReportRow &row) {
+        if (text_ != nullptr)
+            text_->row(row);
+        rows_.push_back(row);
+    }
+    std::vector<ReportRow> take() { return std::move(rows_); }
+
+private:
+    ReportText *text_;
+    std::vector<ReportRow> rows_;
+};
+
+std::vector<RowHead> headsOf(const std::vector<Property> &properties) {
+    std::vector<RowHead> heads;
+    for (const Property &property : properties)
+        heads.push_back({property.name, describe(property.type)});
+    return heads;
+}
+
+void tellProperties(Host &host, const HostClass &type, const ObjectRef &info, Report &report,
+                    ReportText *text) {
+    const std::vector<RowHead> heads = headsOf(type.properties);
+    Telling telling(text, "Properties", heads);
+    for (const RowHead &head : heads) {
+        const Outcome outcome = host.get(info, head.name);
+        telling.tell(rowOf(head, outcome));
+        if (sameName(head.name, "environment"))
+            report.environment = entriesOf(outcome);
+    }
+    report.properties = telling.take();
+}
+
 /// Begins an activity, looks at it, ends it and looks again.
-std::vector<ReportRow> activityOf(Host &host, const ObjectRef &info) {
+void tellActivity(Host &host, const ObjectRef &info, Report &report, ReportText *text) {
+    const HostClass *type = host.classes().find(activityClass);
+    const std::vector<RowHead> properties =
+        type == nullptr ? std::vector<RowHead>{} : headsOf(type->properties);
+    const RowHead begin{"beginActivity", std::string(activityClass)};
+    const RowHead end{"endActivity", ""};
+    const RowHead after{"Handle after it", "Integer"};
+    std::vector<RowHead> heads{begin, end, after};
+    heads.insert(heads.end(), properties.begin(), properties.end());
+
+    Telling telling(text, "An activity, begun and ended", heads);
     const std::int64_t options = host.constant(className, "NSActivityBackground");
     const Outcome begun = host.call(info, "beginActivity", {options, Value("showing an activity")});
-    std::vector<ReportRow> rows{rowOf("beginActivity", "NSProcessInfoActivityZKT", begun)};
-    if (begun.raised() || begun.isNil())
-        return rows;
-    const ObjectRef activity = begun.object();
-    for (const Property &property : host.classes().find(host.className(activity))->properties)
-        rows.push_back(
-            rowOf(property.name, describe(property.type), host.get(activity, property.name)));
-    const Outcome ended = host.call(info, "endActivity", {activity});
-    rows.push_back(rowOf("endActivity", "", ended));
-    rows.push_back(rowOf("Handle", "Integer", host.get(activity, "Handle")));
-    return rows;
+    telling.tell(rowOf(begin, begun));
+    if (!begun.raised() && !begun.isNil()) {
+        const ObjectRef activity = begun.object();
+        for (const RowHead &property : properties)
+            telling.tell(rowOf(property, host.get(activity, property.name)));
+        telling.tell(rowOf(end, host.call(info, "endActivity", {activity})));
+        telling.tell(rowOf(after, host.get(activity, "Handle")));
+    }
+    report.activity = telling.take();
+}
+
+void tellSharedMethods(Host &host, const HostClass &type, Report &report, ReportText *text) {
+    std::vector<RowHead> heads;
+    for (const Method &method : type.sharedMethods)
+        if (!sameName(method.parsed.name, sharedObject))
+            heads.push_back({method.parsed.name, typeOf(method)});
+    Telling telling(text, "Shared methods", heads);
+    for (const RowHead &head : heads)
+        telling.tell(rowOf(head, host.callShared(className, head.name)));
+    report.shared = telling.take();
 }
 
 } // namespace
 
-Report makeReport(Host &host, const Image &image) {
+Report makeReport(Host &host, const Image &image, ReportText *text) {
     const HostClass *type = host.classes().find(className);
     if (type == nullptr || type->record == nullptr)
         throw UsageError(image.file().string() + ": registered no class " + std::string(className));
     const Outcome shared = host.callShared(className, sharedObject);
-    Report report{.image = image.file().string(),
+    Report report{.className = std::string(className),
+                  .image = image.file().string(),
                   .format = image.format() == ImageFormat::machO ? "Mach-O" : "ELF",
                   .hostVersion = host.options().version,
                   .interfaceVersion = host.interfaceVersion(),
-                  .processInfo = rowOf("", std::string(className), shared).text};
-    if (!shared.raised() && !shared.isNil()) {
-        const ObjectRef info = shared.object();
-        for (const Property &property : type->properties) {
-            const Outcome outcome = host.get(info, property.name);
-            report.properties.push_back(rowOf(property.name, describe(property.type), outcome));
-            if (sameName(property.name, "environment"))
-                report.environment = entriesOf(outcome);
-        }
-        report.arguments = argumentsOf(host, info);
-        report.activity = activityOf(host, info);
-    }
-    for (const Method &method : type->sharedMethods)
-        if (!sameName(method.parsed.name, sharedObject))
-            report.shared.push_back(rowOf(method.parsed.name, typeOf(method),
-                                          host.callShared(className, method.parsed.name)));
+                  .foundation = "GNUstep",
+                  .processInfo = rowOf({"", std::string(className)}, shared).text};
     for (const Constant &constant : type->constants)
         report.constants.push_back(
-            rowOf(constant.name, "Integer", Outcome{.value = constant.value, .exception = {}}));
+            rowOf({constant.name, "Integer"}, Outcome{.value = constant.value, .exception = {}}));
+    if (text != nullptr)
+        text->head(report);
+    if (!shared.raised() && !shared.isNil()) {
+        const ObjectRef info = shared.object();
+        tellProperties(host, *type, info, report, text);
+        if (text != nullptr)
+            text->rows("Environment", report.environment);
+        report.arguments = argumentsOf(host, info);
+        if (text != nullptr)
+            text->rows("Arguments", report.arguments);
+        tellActivity(host, info, report, text);
+    }
+    tellSharedMethods(host, *type, report, text);
+    if (text != nullptr)
+        text->rows("Constants", report.constants);
     return report;
-}
-
-std::string reportAsText(const Report &report, bool colours) {
-    const std::string strong = colours ? "\033[1m" : "";
-    const std::string faint = colours ? "\033[2m" : "";
-    const std::string plain = colours ? "\033[0m" : "";
-    std::string text = strong + std::string(className) + plain + '\n' + faint + "  " +
-                       report.image + " (" + report.format + "), interface version " +
-                       std::to_string(report.interfaceVersion) + plain + "\n\n";
-    text += "  " + std::string(sharedObject) + " gives " + printable(report.processInfo) + "\n";
-    const auto addRows = [&](std::string_view title, const std::vector<ReportRow> &rows) {
-        if (rows.empty())
-            return;
-        text += "\n" + strong + std::string(title) + plain + "\n";
-        std::size_t nameWidth = 0;
-        std::size_t typeWidth = 0;
-        for (const ReportRow &row : rows) {
-            nameWidth = std::max(nameWidth, displayWidth(printable(row.name)));
-            typeWidth = std::max(typeWidth, displayWidth(row.type));
-        }
-        for (const ReportRow &row : rows)
-            text += "  " + padded(printable(row.name), nameWidth + 2) + faint +
-                    padded(row.type, typeWidth) + plain + "  " + printable(row.text) + "\n";
-    };
-    addRows("Properties", report.properties);
-    addRows("Environment", report.environment);
-    addRows("Arguments", report.arguments);
-    addRows("An activity, begun and ended", report.activity);
-    addRows("Shared methods", report.shared);
-    addRows("Constants", report.constants);
-    return text;
 }
 
 Json accountAsJson(const Account &account) {
@@ -227,13 +269,15 @@ Json accountAsJson(const Account &account) {
 }
 
 std::string reportAsJson(const Report &report, const Account &account) {
-    return jsonText({{"class", className},
+    return jsonText({{"class", report.className},
                      {"image", report.image},
                      {"imageFormat", report.format},
                      {"hostVersion", report.hostVersion ? Json(*report.hostVersion) : Json()},
                      {"interfaceVersion", report.interfaceVersion},
+                     {"foundation", report.foundation},
                      {sharedObject, report.processInfo},
                      {"properties", rowsAsJson(report.properties)},
+                     {"environment", rowsAsJson(report.environment)},
                      {"arguments", rowsAsJson(report.arguments)},
                      {"activity", rowsAsJson(report.activity)},
                      {"sharedMethods", rowsAsJson(report.shared)},

@@ -1,9 +1,9 @@
 #include "host/zkthost/RunProgram.h"
 
 #include "host/zkthost/Options.h"
+#include "host/zkthost/Output.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -19,10 +19,6 @@ using namespace host;
 /// Of an endless recursion the first lines and the last tell enough.
 constexpr std::size_t shownLines = 20;
 
-void print(std::FILE *stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-}
-
 std::string textOf(std::istream &stream) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
@@ -32,9 +28,8 @@ std::string placeOf(std::string_view file, const program::RunningLine &line) {
 }
 
 void tell(std::string_view file, const std::optional<program::Uncaught> &uncaught) {
-    std::fflush(stdout);
     if (uncaught)
-        print(stderr, uncaughtAsText(file, *uncaught));
+        printError(uncaughtAsText(file, *uncaught));
 }
 
 } // namespace
@@ -77,10 +72,10 @@ std::string uncaughtAsText(std::string_view file, const program::Uncaught &uncau
 
 ProgramEnd runProgram(Host &host, const std::string &file, std::string_view text) {
     program::Session session(host, program::Form::file,
-                             {.print = [](std::string_view line) { print(stdout, line); }});
+                             {.print = [](std::string_view line) { zkthost::print(line); }});
     const program::Loaded loaded = session.load(text);
     if (!loaded.errors.empty()) {
-        print(stderr, errorsAsText(file, loaded.errors));
+        printError(errorsAsText(file, loaded.errors));
         return ProgramEnd::refused;
     }
     const auto uncaught = session.run();

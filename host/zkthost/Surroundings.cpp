@@ -1,54 +1,71 @@
-// Makes the command line and the environment UTF-8 before anything reads them. GNUstep gives up on
-// other bytes while libraries start, long before main could catch that; on a Mac they do no harm.
+// Makes the command line and the environment UTF-8 before anything reads them: GNUstep gives up on
+// other bytes while libraries start, long before main could catch that. And sees to it that what is
+// opened later does not take the place of a closed standard stream.
+
+#include "host/zkthost/Surroundings.h"
+
+#include <unicode/utf8.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace zkthost {
 
 namespace {
 
-using Byte = unsigned char;
-
-/// How many bytes a well-formed sequence that begins with this one has; 0 for none.
-int sequenceLength(Byte first) {
-    if (first < 0x80)
-        return 1;
-    if (first >= 0xC2 && first < 0xE0)
-        return 2;
-    if (first >= 0xE0 && first < 0xF0)
-        return 3;
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
-bool isWellFormed(const Byte *sequence, int length) {
-    for (int i = 1; i < length; ++i)
-        if ((sequence[i] & 0xC0) != 0x80)
-            return false;
-    // Too long for what they say, surrogates, beyond Unicode.
-    switch (sequence[0]) {
-    case 0xE0:
-        return sequence[1] >= 0xA0;
-    case 0xED:
-        return sequence[1] < 0xA0;
-    case 0xF0:
-        return sequence[1] >= 0x90;
-    case 0xF4:
-        return sequence[1] < 0x90;
-    default:
-        return length > 0;
-    }
-}
+char **original = nullptr;
 
 /// In place: libraries have not started, so nothing can be allocated, and the process's own copy is
 /// what the system shows of it.
 void makeUtf8(char *text) {
-    auto *byte = reinterpret_cast<Byte *>(text);
-    while (*byte != 0) {
-        const int length = sequenceLength(*byte);
-        if (isWellFormed(byte, length))
-            byte += length;
-        else
-            *byte++ = '?';
+    for (std::int32_t place = 0; text[place] != 0;) {
+        const std::int32_t start = place;
+        UChar32 character = 0;
+        U8_NEXT(text, place, -1, character);
+        if (character < 0)
+            std::memset(text + start, '?', static_cast<std::size_t>(place - start));
     }
 }
 
-void makeSurroundingsUtf8(int /*argc*/, char **argv, char **environment) {
+/// The system's own mmap: a sanitizer's is not ready.
+void *pages(std::size_t size) {
+    const long address = syscall(SYS_mmap, nullptr, size, PROT_READ | PROT_WRITE,
+                                 MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return address == -1 ? nullptr : reinterpret_cast<void *>(address);
+}
+
+void keepOriginal(int argc, char **argv) {
+    const auto count = static_cast<std::size_t>(argc);
+    std::size_t size = (count + 1) * sizeof(char *);
+    for (std::size_t i = 0; i < count; ++i)
+        size += std::strlen(argv[i]) + 1;
+    auto *const list = static_cast<char **>(pages(size));
+    if (list == nullptr)
+        return;
+    auto *next = reinterpret_cast<char *>(list + count + 1);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t length = std::strlen(argv[i]) + 1;
+        list[i] = static_cast<char *>(std::memcpy(next, argv[i], length));
+        next += length;
+    }
+    original = list;
+}
+
+/// Writing to one that was closed fails as it would have.
+void occupyStandardStreams() {
+    for (int file = 0; file <= STDERR_FILENO; ++file)
+        if (fcntl(file, F_GETFD) < 0)
+            open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+void prepare(int argc, char **argv, char **environment) {
+    occupyStandardStreams();
+    keepOriginal(argc, argv);
     for (; *argv != nullptr; ++argv)
         makeUtf8(*argv);
     for (; *environment != nullptr; ++environment)
@@ -56,7 +73,13 @@ void makeSurroundingsUtf8(int /*argc*/, char **argv, char **environment) {
 }
 
 // Run by the dynamic linker before any library's own start.
-[[gnu::section(".preinit_array"),
-  gnu::used]] void (*const beforeLibraries)(int, char **, char **) = makeSurroundingsUtf8;
+[[gnu::section(".preinit_array"), gnu::used]] void (*const beforeLibraries)(int, char **,
+                                                                            char **) = prepare;
 
 } // namespace
+
+const char *const *originalArguments() {
+    return original;
+}
+
+} // namespace zkthost

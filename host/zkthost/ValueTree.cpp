@@ -26,10 +26,10 @@ std::string quoted(const std::string &utf8) {
     return jsonLine(utf8);
 }
 
-std::string firstBytes(ObjectHandle block, std::string_view separator) {
+std::string bytesOf(ObjectHandle block, std::size_t limit, std::string_view separator) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text;
-    for (const char c : memoryBlockBytes(block).substr(0, shownBytes)) {
+    for (const char c : memoryBlockBytes(block).substr(0, limit)) {
         const auto byte = static_cast<unsigned char>(c);
         text += text.empty() ? "" : separator;
         text += digits[byte >> 4];
@@ -57,23 +57,23 @@ struct Leaf {
 
 Leaf leafOf(const VariantContent &content) {
     const Value &value = content.value;
+    const std::string name(nameOf(content.type));
     switch (content.type) {
     case VariantType::string:
-        return {"String", quoted(value.text()), value.text()};
+        return {name, quoted(value.text()), value.text()};
     case VariantType::integer:
-        return {"Integer", std::to_string(value.integer()), value.integer()};
+        return {name, std::to_string(value.integer()), value.integer()};
     case VariantType::uint32:
-        return {"UInt32", std::to_string(value.unsignedInteger()), value.unsignedInteger()};
+        return {name, std::to_string(value.unsignedInteger()), value.unsignedInteger()};
     case VariantType::boolean:
-        return {"Boolean", value.boolean() ? "true" : "false", value.boolean()};
+        return {name, value.boolean() ? "true" : "false", value.boolean()};
     case VariantType::real:
     case VariantType::single:
         break;
     }
     const bool isSingle = content.type == VariantType::single;
     const double number = value.number();
-    return {isSingle ? "Single" : "Double", isSingle ? shortestSingle(number) : shortest(number),
-            number};
+    return {name, isSingle ? shortestSingle(number) : shortest(number), number};
 }
 
 /// Containers that are being shown, from the outermost in: what holds itself would have no end.
@@ -91,7 +91,7 @@ public:
     [[nodiscard]] bool isRepeated() const { return isRepeated_; }
 
 private:
-    static constexpr std::size_t mostLevels = 100;
+    static constexpr std::size_t mostLevels = 1000;
     static inline std::vector<ObjectHandle> path;
     bool isRepeated_;
 };
@@ -136,7 +136,7 @@ void addTree(std::string &text, const Value &value, std::size_t depth) {
     } else if (type == "MemoryBlock") {
         const std::uint64_t size = memoryBlockSize(object);
         text += "MemoryBlock, " + counted(size, "byte", "bytes") + (size > 0 ? ": " : "") +
-                firstBytes(object, " ") + (size > shownBytes ? " ..." : "");
+                bytesOf(object, shownBytes, " ") + (size > shownBytes ? " ..." : "");
     } else if (type == "FolderItem") {
         text += "FolderItem " + quoted(folderItem(object).path.string());
     } else {
@@ -169,6 +169,24 @@ Json entriesAsJson(ObjectHandle dictionary) {
 
 } // namespace
 
+std::string_view nameOf(VariantType type) {
+    switch (type) {
+    case VariantType::string:
+        return "String";
+    case VariantType::integer:
+        return "Integer";
+    case VariantType::uint32:
+        return "UInt32";
+    case VariantType::boolean:
+        return "Boolean";
+    case VariantType::single:
+        return "Single";
+    case VariantType::real:
+        break;
+    }
+    return "Double";
+}
+
 std::string treeAsText(const Value &value) {
     std::string text;
     addTree(text, value, 0);
@@ -186,7 +204,12 @@ Json treeAsJson(const Value &value) {
     if (type == "Variant") {
         Leaf leaf = leafOf(variant(object));
         json["type"] = leaf.type;
+        const bool isNumber =
+            !leaf.json.is_number_float() || std::isfinite(leaf.json.get<double>());
         json["value"] = std::move(leaf.json);
+        // JSON has no such number; it is written as null.
+        if (!isNumber)
+            json["text"] = leaf.text.substr(leaf.text.find(' ') + 1);
     } else if (inside.isRepeated()) {
         json["repeated"] = true;
     } else if (type == "Array") {
@@ -197,7 +220,7 @@ Json treeAsJson(const Value &value) {
         json["value"] = dateText(object);
     } else if (type == "MemoryBlock") {
         json["size"] = memoryBlockSize(object);
-        json["bytes"] = firstBytes(object, "");
+        json["bytes"] = bytesOf(object, std::string::npos, "");
     } else if (type == "FolderItem") {
         json["path"] = folderItem(object).path.string();
     }

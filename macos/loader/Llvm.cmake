@@ -18,11 +18,15 @@ foreach(unused zstd::libzstd_shared ZLIB::ZLIB LibXml2::LibXml2 LibEdit::LibEdit
     endif()
 endforeach()
 
-llvm_map_components_to_libnames(llvm_libraries object support)
+llvm_map_components_to_libnames(llvm_libraries object support symbolize)
 add_library(llvm_object INTERFACE)
 # Behind libstdc++'s own headers, which it must not hide.
 target_compile_options(llvm_object INTERFACE "SHELL:-idirafter ${LLVM_INCLUDE_DIRS}")
 target_link_libraries(llvm_object INTERFACE ${llvm_libraries})
+# Reading debug information may take zstd, whose package for developers may be missing; the library
+# itself came with LLVM.
+find_library(ZSTD NAMES zstd libzstd.so.1 REQUIRED)
+target_link_libraries(llvm_object INTERFACE ${ZSTD})
 # A program exports its symbols for the images that it loads. LLVM's are not among them, so that
 # what is not used of it can be left out.
 file(GLOB llvm_archives RELATIVE ${LLVM_LIBRARY_DIRS} ${LLVM_LIBRARY_DIRS}/libLLVM*.a)

@@ -76,7 +76,7 @@ public:
     [[nodiscard]] bool isRefused() const { return refused_; }
     void result(const std::string &text) const {
         if (watched_)
-            host::Host::current().tracer().addResult(place_, " = " + text);
+            host::Host::current().tracer().end(place_, " = " + text);
     }
     template <class Ref>
     Ref created(Ref object, const char *name) const {

@@ -79,7 +79,7 @@ TEST_F(PluginCalls, AreNamedAsProgramsWriteThem) {
         host.callShared("Watched", "shared").result();
     }
     EXPECT_EQ(seen, (std::vector<std::string>{"New Watched", "Watched.size",
-                                              "Watched.size = ", "Watched.act", "Watched.shared",
+                                              "setting Watched.size", "Watched.act", "Watched.shared",
                                               "the destructor of Watched"}));
     EXPECT_EQ(PluginCall::current(), nullptr);
 }

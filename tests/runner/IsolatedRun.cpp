@@ -2,6 +2,8 @@
 
 #include "JUnitReport.h"
 
+#include "host/crash/CrashHandler.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -209,7 +211,14 @@ void IsolatedRun::addOptionsTo(CLI::App &app) {
 
 int runTests(const IsolatedRun &run, const std::string &label) {
     // A death test may start the program again, with these options, to run itself alone.
-    if (!run.wanted || !GTEST_FLAG_GET(internal_run_death_test).empty())
+    if (!GTEST_FLAG_GET(internal_run_death_test).empty())
+        return RUN_ALL_TESTS();
+    // A crash loses what waits to be written.
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    static std::string program;
+    program = label;
+    crash::handleCrashes({.program = program.c_str()});
+    if (!run.wanted)
         return RUN_ALL_TESTS();
 
     const Names tests = testsOf(run);

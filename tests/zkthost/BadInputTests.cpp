@@ -39,7 +39,7 @@ TEST(Image, BelowAFile) {
 }
 
 TEST(Image, WithoutAName) {
-    expectBadInput(zkthost({"report"}, ""), "no such file");
+    expectBadInput(zkthost({"report"}, ""), "--image is followed by no file name");
 }
 
 // The program looks for the bundle of its own build when it is given none.
@@ -149,6 +149,15 @@ TEST(Image, MayBeTheExecutableInsideTheBundle) {
 
 TEST(Image, MayHaveASlashBehindTheBundlesName) {
     expectSuccess(zkthost({"report"}, macosImage().path.string() + "/"));
+}
+
+TEST(Image, MayHaveANameThatIsNoUtf8) {
+    const Folder folder;
+    const fs::path image = folder.path() / "pl\xFCg.so";
+    fs::copy_file(linuxImage().path, image);
+    expectSuccess(zkthost({"describe"}, image));
+    fs::remove(image);
+    expectBadInput(zkthost({"describe"}, image), "pl\xEF\xBF\xBDg.so: no such file");
 }
 
 TEST(Image, MayHaveBlanksAndOtherLettersInItsName) {

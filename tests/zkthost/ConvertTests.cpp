@@ -63,8 +63,7 @@ std::string xml(std::string_view body) {
 
 TEST_P(Convert, ShowsAnExampleWithAValueOfEveryKind) {
     const auto lines = tree({});
-    ASSERT_EQ(lines.size(), 13u);
-    const std::vector<std::string> expected{"Dictionary, 8 entries",
+    const std::vector<std::string> expected{"Dictionary, 13 entries",
                                             "  \"array\": Array, 3 elements",
                                             "    0: \"first\"",
                                             "    1: Array, 0 elements",
@@ -72,11 +71,18 @@ TEST_P(Convert, ShowsAnExampleWithAValueOfEveryKind) {
                                             "  \"boolean\": Boolean true",
                                             "  \"data\": MemoryBlock, 5 bytes: 68 65 6C 6C 6F",
                                             "  \"date\": Date 2001-01-0",
+                                            "  \"decimal\": Double 0.25",
                                             "  \"dictionary\": Dictionary, 1 entry",
                                             "    \"inner\": \"Gr\u00FC\u00DFe\"",
+                                            "  \"file\": FolderItem \"/usr\"",
                                             "  \"integer\": Integer 42",
+                                            "  \"null\": nil",
                                             "  \"real\": Double 1.5",
-                                            R"(  "string": "text")"};
+                                            "  \"set\": Array, 1 element",
+                                            "    0: \"element\"",
+                                            R"(  "string": "text")",
+                                            R"(  "url": "https://example.org/")"};
+    ASSERT_EQ(lines.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_THAT(lines[i], StartsWith(expected[i]));
     // The day and hour are those of the process's time zone.
@@ -147,6 +153,43 @@ TEST_P(Convert, WritesJson) {
     const auto &number = arrayMember(list, "elements").front();
     EXPECT_EQ(stringMember(number, "type"), "Double");
     EXPECT_EQ(member(number, "value").getAsNumber(), 0.5);
+}
+
+TEST_P(Convert, WritesEveryByteOfABlockToJson) {
+    std::string bytes;
+    for (int i = 0; i < 40; ++i)
+        bytes += "a5";
+    const auto block = jsonOf('<' + bytes + '>');
+    EXPECT_EQ(integerMember(block, "size"), 40);
+    EXPECT_EQ(stringMember(block, "bytes").size(), 80u);
+}
+
+TEST_P(Convert, RefusesListsThatAreNestedTooDeeply) {
+    const auto nested = [&](const std::string &begin, const std::string &end, int depth) {
+        std::string text;
+        for (int i = 0; i < depth; ++i)
+            text += begin;
+        for (int i = 0; i < depth; ++i)
+            text += end;
+        return text;
+    };
+    const std::string refusal = "is nested too deeply, 1000 levels are the most";
+    const std::string file = folder.path() / "deep.plist";
+    for (const int depth : {1001, 20'000}) {
+        SCOPED_TRACE(depth);
+        folder.write("deep.plist", xml(nested("<array>", "</array>", depth)));
+        expectBadInput(convert({"--plist", file}), file + ": " + refusal);
+        folder.write("deep.plist", nested("(", ")", depth));
+        expectBadInput(convert({"--plist", file}), file + ": " + refusal);
+    }
+    EXPECT_EQ(treeOf(xml(nested("<array>", "</array>", 1000))).size(), 1000u);
+    EXPECT_THAT(treeOf("( \"" + nested("(", "", 2000) + "\\\"\" )").size(), 2u)
+        << "brackets in a text";
+}
+
+TEST_P(Convert, ReadsAFileWithANameThatIsNoUtf8) {
+    EXPECT_THAT(tree({"--plist", folder.write("l\xFCst", "(a)")}),
+                testing::ElementsAre("Array, 1 element", "  0: \"a\""));
 }
 
 TEST_P(Convert, MakesAnInstanceOfAClass) {

@@ -1,4 +1,5 @@
-// zkthost describe: the classes as the plug-in registers them, in each format.
+// zkthost describe: the facts of the file and the classes as the plug-in registers them, in each
+// format.
 
 #include "ExpectedClasses.h"
 #include "Json.h"
@@ -6,12 +7,25 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
 #include <span>
 #include <sstream>
 
 using testing::ElementsAreArray;
 
 namespace {
+
+/// Text or Markdown without the facts before the classes and the imports behind them.
+std::string classesOf(const std::string &text) {
+    const std::size_t heading = text.find("\n\n# NSProcessInfoZKT\n");
+    const std::size_t start =
+        heading != std::string::npos ? heading : text.find("\n\nNSProcessInfoZKT\n");
+    if (start == std::string::npos)
+        throw std::runtime_error("no classes in: " + text);
+    const std::size_t end =
+        std::min(text.find("\nImports for ", start), text.find("\n# Imports for ", start));
+    return text.substr(start + 2, end - start - 2);
+}
 
 class Describe : public testing::TestWithParam<ImageFile> {
 protected:
@@ -20,6 +34,8 @@ protected:
         expectSuccess(run);
         return run.out;
     }
+    std::string classes(const char *format) { return classesOf(described(format)); }
+    llvm::json::Value image() { return member(parsedJson(described("json")), "image"); }
 };
 
 INSTANTIATE_TEST_SUITE_P(, Describe, testing::Values(macosImage(), linuxImage()),
@@ -130,11 +146,11 @@ void expectMethods(const llvm::json::Value &description, const char *table,
 } // namespace
 
 TEST_P(Describe, AsTextShowsEveryRowInOrder) {
-    EXPECT_THAT(textRows(described("text")), ElementsAreArray(expectedRows()));
+    EXPECT_THAT(textRows(classes("text")), ElementsAreArray(expectedRows()));
 }
 
 TEST_P(Describe, AsMarkdownShowsEveryRowInOrder) {
-    EXPECT_THAT(markdownRows(described("markdown")), ElementsAreArray(expectedRows()));
+    EXPECT_THAT(markdownRows(classes("markdown")), ElementsAreArray(expectedRows()));
 }
 
 TEST_P(Describe, AsTextIsTheDefault) {
@@ -144,21 +160,21 @@ TEST_P(Describe, AsTextIsTheDefault) {
 }
 
 TEST_P(Describe, NamesBothClassesInOrderOfRegistration) {
-    const std::string text = described("text");
+    const std::string text = classes("text");
     EXPECT_TRUE(text.starts_with("NSProcessInfoZKT\n"));
     EXPECT_NE(text.find("\n\nNSProcessInfoActivityZKT\n"), std::string::npos);
-    const std::string markdown = described("markdown");
+    const std::string markdown = classes("markdown");
     EXPECT_TRUE(markdown.starts_with("# NSProcessInfoZKT\n"));
     EXPECT_NE(markdown.find("\n# NSProcessInfoActivityZKT\n"), std::string::npos);
 }
 
 TEST_P(Describe, AsJsonHasEveryRecord) {
     const auto json = parsedJson(described("json"));
-    const auto *classes = json.getAsArray();
-    ASSERT_NE(classes, nullptr);
-    ASSERT_EQ(classes->size(), 2u);
+    EXPECT_EQ(integerMember(json, "schema"), 1);
+    const auto &classes = arrayMember(json, "classes");
+    ASSERT_EQ(classes.size(), 2u);
 
-    const llvm::json::Value &processInfo = classes->front();
+    const llvm::json::Value &processInfo = classes.front();
     expectHeader(processInfo, "NSProcessInfoZKT", 16, 48, true);
     expectProperties(processInfo, expectedProperties);
     expectMethods(processInfo, "methods", expectedMethods);
@@ -171,7 +187,7 @@ TEST_P(Describe, AsJsonHasEveryRecord) {
         EXPECT_EQ(integerMember(constants[i], "value"), expectedConstants[i].value);
     }
 
-    const llvm::json::Value &activity = classes->back();
+    const llvm::json::Value &activity = classes.back();
     expectHeader(activity, "NSProcessInfoActivityZKT", 32, 64, false);
     expectProperties(activity, expectedActivityProperties);
     expectMethods(activity, "methods", expectedActivityMethods);
@@ -179,10 +195,110 @@ TEST_P(Describe, AsJsonHasEveryRecord) {
     EXPECT_TRUE(arrayMember(activity, "constants").empty());
 }
 
-TEST(DescribeOfBothImages, IsTheSame) {
-    for (const char *format : {"text", "json", "markdown"}) {
-        SCOPED_TRACE(format);
-        EXPECT_EQ(zkthost({"describe", "--format", format}, macosImage().path).out,
-                  zkthost({"describe", "--format", format}, linuxImage().path).out);
-    }
+TEST(DescribeOfBothImages, HasTheSameClasses) {
+    const auto described = [](const char *format, const ImageFile &image) {
+        return zkthost({"describe", "--format", format}, image.path).out;
+    };
+    for (const char *format : {"text", "markdown"})
+        EXPECT_EQ(classesOf(described(format, macosImage())),
+                  classesOf(described(format, linuxImage())));
+    EXPECT_EQ(member(parsedJson(described("json", macosImage())), "classes"),
+              member(parsedJson(described("json", linuxImage())), "classes"));
+}
+
+namespace {
+
+const llvm::json::Value &libraryOf(const llvm::json::Value &part, std::string_view name) {
+    for (const llvm::json::Value &library : arrayMember(part, "libraries"))
+        if (member(library, "name").getAsString().value_or("").ends_with(name))
+            return library;
+    throw std::runtime_error("no library " + std::string(name));
+}
+
+/// Whether it is imported weakly; nothing when it is not imported.
+std::optional<bool> weakness(const llvm::json::Value &library, std::string_view import) {
+    for (const llvm::json::Value &each : arrayMember(library, "imports"))
+        if (stringMember(each, "name") == import)
+            return member(each, "weak").getAsBoolean();
+    return std::nullopt;
+}
+
+} // namespace
+
+TEST_P(Describe, TellsWhatTheFileIs) {
+    const auto image = this->image();
+    EXPECT_EQ(stringMember(image, "file"), GetParam().executable);
+    EXPECT_EQ(stringMember(image, "format"), GetParam().format);
+    ASSERT_EQ(arrayMember(image, "parts").size(), 1u);
+    EXPECT_EQ(stringMember(arrayMember(image, "parts").front(), "processor"), "x86_64");
+}
+
+TEST(DescribeOfTheBundle, TellsItsFacts) {
+    const auto json = parsedJson(zkthost({"describe", "--format", "json"}, macosImage().path).out);
+    const auto &image = member(json, "image");
+    EXPECT_EQ(stringMember(image, "identifier"), "zkt.NSProcessInfoZKT");
+    EXPECT_THAT(stringMember(image, "version"), testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
+    const auto &part = arrayMember(image, "parts").front();
+    EXPECT_EQ(stringMember(part, "kind"), "bundle");
+    EXPECT_EQ(stringMember(part, "leastMacOS"), "10.9");
+    EXPECT_EQ(stringMember(part, "builtForMacOS"), "10.11");
+    EXPECT_THAT(stringMember(part, "identity"),
+                testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
+    const auto &signature = member(part, "signature");
+    EXPECT_EQ(member(signature, "adHoc").getAsBoolean(), true);
+    EXPECT_EQ(stringMember(signature, "identifier"), "zkt.NSProcessInfoZKT");
+    const auto &foundation = libraryOf(part, "/Foundation");
+    EXPECT_EQ(member(foundation, "weak").getAsBoolean(), false);
+    EXPECT_EQ(weakness(foundation, "OBJC_CLASS_$_NSProcessInfo"), false);
+    EXPECT_EQ(weakness(foundation, "NSProcessInfoThermalStateDidChangeNotification"), true);
+    EXPECT_EQ(weakness(foundation, "CFRelease"), std::nullopt);
+    EXPECT_EQ(weakness(libraryOf(part, "/CoreFoundation"), "CFRelease"), false);
+}
+
+TEST(DescribeOfTheLinuxObject, TellsItsFacts) {
+    const auto json = parsedJson(zkthost({"describe", "--format", "json"}, linuxImage().path).out);
+    const auto &image = member(json, "image");
+    for (const char *ofBundles : {"identifier", "version", "build"})
+        EXPECT_TRUE(member(image, ofBundles).getAsNull()) << ofBundles;
+    const auto &part = arrayMember(image, "parts").front();
+    EXPECT_EQ(stringMember(part, "kind"), "shared object");
+    for (const char *ofMacs : {"leastMacOS", "builtForMacOS", "signature"})
+        EXPECT_TRUE(member(part, ofMacs).getAsNull()) << ofMacs;
+    EXPECT_TRUE(arrayMember(libraryOf(part, "libc.so.6"), "imports").empty());
+    const auto &imports = arrayMember(part, "libraries").back();
+    EXPECT_TRUE(member(imports, "name").getAsNull());
+    EXPECT_EQ(weakness(imports, "CFRelease"), false);
+    EXPECT_EQ(weakness(imports, "NSProcessInfoThermalStateDidChangeNotification"), true);
+}
+
+TEST(DescribeOfTheBundle, TellsItsFactsToPeople) {
+    const std::string text = zkthost({"describe"}, macosImage().path).out;
+    EXPECT_TRUE(text.starts_with(macosImage().executable.string() +
+                                 "\n  Format       Mach-O\n"
+                                 "  Identifier   zkt.NSProcessInfoZKT\n"))
+        << text;
+    for (const char *line :
+         {"\n  Processor    x86_64\n", "\n  Kind         bundle\n", "\n  Least macOS  10.9\n",
+          "\n  Built for    macOS 10.11\n", "\n  Signature    ad hoc, as zkt.NSProcessInfoZKT\n",
+          "\nImports for x86_64\n",
+          "\n    NSProcessInfoThermalStateDidChangeNotification (if it is there)\n"})
+        EXPECT_THAT(text, testing::HasSubstr(line));
+    const std::string markdown =
+        zkthost({"describe", "--format", "markdown"}, macosImage().path).out;
+    for (const char *line : {"\n| Least macOS | 10.9 |\n", "\n# Imports for x86_64\n",
+                             "\n- `NSProcessInfoThermalStateDidChangeNotification` (if it is "
+                             "there)\n"})
+        EXPECT_THAT(markdown, testing::HasSubstr(line));
+}
+
+TEST(DescribeOfAnUnsignedFile, SaysSo) {
+    const std::filesystem::path unsignedImage =
+        std::filesystem::path(WRONG_PLUGINS) / "macos/plugin";
+    setenv("WRONG_PLUGIN_FAULT", "none", 1);
+    const auto json = parsedJson(zkthost({"describe", "--format", "json"}, unsignedImage).out);
+    const auto &image = member(json, "image");
+    EXPECT_TRUE(member(image, "identifier").getAsNull());
+    EXPECT_TRUE(member(arrayMember(image, "parts").front(), "signature").getAsNull());
+    EXPECT_THAT(zkthost({"describe"}, unsignedImage).out,
+                testing::HasSubstr("\n  Signature    none\n"));
 }

@@ -65,12 +65,44 @@ TEST(Help, ListsTheCommandsTheOptionsAndTheServices) {
         EXPECT_THAT(run.out, HasSubstr("\n  " + std::string(service) + "\n"));
 }
 
-TEST(Help, IsThereForEachCommand) {
-    for (const char *command : {"describe", "report", "convert"}) {
+TEST(Help, HasTheExitStatuses) {
+    const Finished run = zkthost({"--help"});
+    EXPECT_THAT(run.out, HasSubstr("\nExit status:\n  0  fine\n  1  the plug-in misbehaved"));
+    for (const char *status : {"\n  2  ", "\n  3  ", "\n  4  ", "\n  5  "})
+        EXPECT_THAT(run.out, HasSubstr(status));
+}
+
+TEST(Help, IsThereForEachCommandWithWhatAllHave) {
+    for (const char *command : {"describe", "report", "convert", "call"}) {
+        SCOPED_TRACE(command);
         const Finished run = zkthost({command, "--help"});
         expectSuccess(run);
-        EXPECT_THAT(run.out, HasSubstr("--format"));
+        EXPECT_EQ(run.out.find("--format") != std::string::npos, std::string(command) != "call");
+        for (const char *option :
+             {"--image", "--host-version", "--without", "--sibling", "--trace"})
+            EXPECT_THAT(run.out, HasSubstr(option));
+        EXPECT_EQ(zkthost({"help", command}).out, run.out);
     }
+}
+
+TEST(Help, IsACommandToo) {
+    const Finished run = zkthost({"help"});
+    expectSuccess(run);
+    EXPECT_EQ(run.out, zkthost({"--help"}).out);
+    expectBadInput(zkthost({"help", "reprot"}), "no command reprot; the nearest is report");
+}
+
+TEST(Help, IsFreeOfTheParsersOwnWords) {
+    for (const char *command : {"help", "describe", "report", "convert", "call"})
+        for (const char *word : {"->", "Excludes", "REQUIRED", "{"})
+            EXPECT_EQ(zkthost({"help", command}).out.find(word), std::string::npos)
+                << command << ' ' << word;
+}
+
+TEST(Version, IsTheProjects) {
+    const Finished run = zkthost({"--version"});
+    expectSuccess(run);
+    EXPECT_EQ(run.out, "zkthost " PROJECT_VERSION "\n");
 }
 
 namespace {
@@ -92,7 +124,26 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         WrongCommandLine{"NoCommand", {}, "command"},
         WrongCommandLine{"UnknownCommand", {"rport"}, "rport"},
-        WrongCommandLine{"UnknownOption", {"report", "--colour"}, "--colour"},
+        WrongCommandLine{"NearestCommand", {"reprot"}, "no command reprot; the nearest is report"},
+        WrongCommandLine{"NoNearCommand", {"xyzzy"}, "no command xyzzy ("},
+        WrongCommandLine{"UnknownOption", {"report", "--colour"}, "report has no option --colour"},
+        WrongCommandLine{"NearestOption",
+                         {"report", "--formt=json"},
+                         "no option --formt; the nearest is --format"},
+        WrongCommandLine{
+            "NearestGeneralOption", {"report", "--imag", "x"}, "the nearest is --image"},
+        WrongCommandLine{"OptionBeforeItsCommand",
+                         {"--format", "json", "report"},
+                         "--format stands behind its command: zkthost report --format"},
+        WrongCommandLine{
+            "TheFirstOfSeveralWords", {"report", "a", "b"}, "report is followed by a,"},
+        WrongCommandLine{
+            "SiblingByNumber", {"report", "--sibling", "3"}, "--sibling 3: it is all, "},
+        WrongCommandLine{"EmptyVersion", {"report", "--host-version", ""}, "--host-version : "},
+        WrongCommandLine{"NegativeVersion", {"report", "--host-version=-1"}, "--host-version -1"},
+        WrongCommandLine{"VersionBeyondNumbers", {"report", "--host-version", "1e999"}, "1e999"},
+        WrongCommandLine{"VersionNaN", {"report", "--host-version", "nan"}, "--host-version nan"},
+        WrongCommandLine{"FileAndClass", {"convert", "--plist", "a", "--class", "B"}, "--class"},
         WrongCommandLine{"UnknownOptionWithoutCommand", {"--colour"}, "--colour"},
         WrongCommandLine{"TwoCommands", {"report", "describe"}, "describe"},
         WrongCommandLine{"ExtraWord", {"report", "me"}, "me"},
@@ -159,7 +210,7 @@ INSTANTIATE_TEST_SUITE_P(, HostWithout,
 TEST_P(HostWithout, AServiceIsStillDescribed) {
     const Finished described = run("describe");
     expectSuccess(described);
-    EXPECT_EQ(described.out.find("NSProcessInfoZKT") != std::string::npos,
+    EXPECT_EQ(described.out.find("\nno classes\n") == std::string::npos,
               service != "PluginRegisterClass");
 }
 

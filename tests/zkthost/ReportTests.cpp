@@ -101,7 +101,7 @@ TEST_P(Report, ShowsAnActivityThatWasBegunAndEnded) {
     EXPECT_EQ(stringMember(rows[2], "value"), "showing an activity");
     EXPECT_EQ(integerMember(rows[3], "value"), 255);
     EXPECT_EQ(stringMember(rows[4], "name"), "endActivity");
-    EXPECT_EQ(stringMember(rows[5], "name"), "Handle");
+    EXPECT_EQ(stringMember(rows[5], "name"), "Handle after it");
     EXPECT_EQ(integerMember(rows[5], "value"), 0);
 }
 
@@ -166,8 +166,7 @@ TEST_P(Report, HasNoColoursWhenItIsNotReadOnATerminal) {
 
 TEST_P(Report, FollowsTheHostsVersion) {
     constexpr std::pair<const char *, int> rows[] = {
-        {"2013.04", 13}, {"2013.035", 12}, {"2013.02", 11}, {"2012.5", 10},
-        {"2011.9", 9},   {"0", 9},         {"-1", 9},       {"nan", 9},
+        {"2013.04", 13}, {"2013.035", 12}, {"2013.02", 11}, {"2012.5", 10}, {"2011.9", 9}, {"0", 9},
     };
     for (const auto &[version, interface] : rows)
         EXPECT_EQ(integerMember(json({"--host-version", version}), "interfaceVersion"), interface)
@@ -209,8 +208,8 @@ TEST_P(Report, ListsTheEnvironmentSortedByName) {
     const auto row = std::ranges::find_if(
         first, last, [](const std::string &line) { return line.starts_with("  ZKTHOST_A "); });
     ASSERT_NE(row, last);
-    EXPECT_THAT(row[0], MatchesRegex("  ZKTHOST_A +Variant +some text"));
-    EXPECT_THAT(row[1], MatchesRegex("  ZKTHOST_B +Variant +line break"));
+    EXPECT_THAT(row[0], MatchesRegex("  ZKTHOST_A +String +some text"));
+    EXPECT_THAT(row[1], MatchesRegex("  ZKTHOST_B +String +line break"));
     EXPECT_THAT(text.out, testing::ContainsRegex("\n  environment +Dictionary +" +
                                                  std::to_string(last - first - 1) + " entries\n"));
 }
@@ -237,7 +236,7 @@ TEST_P(Report, ShowsVariablesWithNamesOfAnyLength) {
     setenv(name.c_str(), "its value", 1);
     const Finished text = zkthost({"report"}, GetParam().path);
     expectSuccess(text);
-    EXPECT_THAT(text.out, HasSubstr("\n  " + name + "  Variant  its value\n"));
+    EXPECT_THAT(text.out, HasSubstr("\n  " + name + "  String  its value\n"));
 }
 
 TEST_P(Report, HasTheWidthOfEachTableFromItsOwnRows) {
@@ -249,7 +248,7 @@ TEST_P(Report, HasTheWidthOfEachTableFromItsOwnRows) {
     for (const ExpectedConstant &expected : expectedConstants)
         longest = std::max(longest, std::string_view(expected.name).size());
     EXPECT_EQ(columnOf(text.out, expectedConstants[0].name, "Integer"), 2 + longest + 2);
-    EXPECT_EQ(columnOf(text.out, longName, "Variant"), 2 + 70 + 2);
+    EXPECT_EQ(columnOf(text.out, longName, "String"), 2 + 70 + 2);
 }
 
 TEST_P(Report, CountsColumnsAsATerminalDoes) {
@@ -257,9 +256,9 @@ TEST_P(Report, CountsColumnsAsATerminalDoes) {
     setenv("ZKTHOST_\xC3\x84\xC3\x96\xC3\x9C", "letters of two bytes", 1);
     const Finished text = zkthost({"report"}, GetParam().path);
     expectSuccess(text);
-    const auto plain = columnOf(text.out, "ZKTHOST_AOU", "Variant");
+    const auto plain = columnOf(text.out, "ZKTHOST_AOU", "String");
     EXPECT_GT(plain, 0);
-    EXPECT_EQ(columnOf(text.out, "ZKTHOST_\xC3\x84\xC3\x96\xC3\x9C", "Variant"), plain);
+    EXPECT_EQ(columnOf(text.out, "ZKTHOST_\xC3\x84\xC3\x96\xC3\x9C", "String"), plain);
 }
 
 TEST_P(Report, LetsNoControlCharacterThroughToATerminal) {
@@ -271,6 +270,6 @@ TEST_P(Report, LetsNoControlCharacterThroughToATerminal) {
     setenv("ZKTHOST_\xC2\x9B", "named", 1);
     const Finished text = zkthost({"report"}, GetParam().path);
     expectSuccess(text);
-    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_C1 +Variant +a 31m\\| \\| \\.\n"));
-    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_  +Variant +named\n"));
+    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_C1 +String +a 31m\\| \\| \\.\n"));
+    EXPECT_THAT(text.out, testing::ContainsRegex("\n  ZKTHOST_  +String +named\n"));
 }

@@ -49,8 +49,10 @@ TEST(ValueTree, NamesTheKindOfANumber) {
         {VariantType::single, double{0.1F}, "Single 0.1",
          R"({"type":"Single","value":0.10000000149011612})"},
         {VariantType::single, 1.5, "Single 1.5", R"({"type":"Single","value":1.5})"},
-        {VariantType::real, std::nan(""), "Double nan", R"({"type":"Double","value":null})"},
-        {VariantType::real, -HUGE_VAL, "Double -inf", R"({"type":"Double","value":null})"},
+        {VariantType::real, std::nan(""), "Double nan",
+         R"({"type":"Double","value":null,"text":"nan"})"},
+        {VariantType::real, -HUGE_VAL, "Double -inf",
+         R"({"type":"Double","value":null,"text":"-inf"})"},
         {VariantType::boolean, true, "Boolean true", R"({"type":"Boolean","value":true})"},
     };
     for (const Row &row : rows) {

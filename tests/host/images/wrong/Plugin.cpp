@@ -52,7 +52,7 @@ void describe() {
 
 void spoil() {
     const char *const wanted = std::getenv("WRONG_PLUGIN_FAULT");
-    for (const auto faults : {declarationFaults(), exceptionFaults(), memoryFaults(),
+    for (const auto faults : {crashFaults(), declarationFaults(), exceptionFaults(), memoryFaults(),
                               recordFaults(), referenceFaults()})
         for (const Fault &fault : faults)
             if (wanted != nullptr && std::strcmp(fault.name, wanted) == 0)

@@ -66,6 +66,7 @@ struct Fault {
     void (*apply)(Plugin &plugin);
 };
 
+std::span<const Fault> crashFaults();
 std::span<const Fault> declarationFaults();
 std::span<const Fault> exceptionFaults();
 std::span<const Fault> memoryFaults();
