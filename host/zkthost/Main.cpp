@@ -17,7 +17,6 @@
 #include "host/zkthost/LiveTrace.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Output.h"
-#include "host/zkthost/Prompt.h"
 #include "host/zkthost/Report.h"
 #include "host/zkthost/ReportText.h"
 #include "host/zkthost/RunProgram.h"
@@ -112,10 +111,10 @@ Status programVerdict(host::Host &host) {
 
 Status call(host::Host &host, const Options &options) {
     const CallResult result = evaluate(host, options.expression);
-    printError(result.errors);
     if (options.format != host::DescriptionFormat::json)
         print(result.text);
     const Status status = programVerdict(host);
+    printError(result.errors);
     if (!result.errors.empty())
         return status == fine ? badInput : status;
     if (result.raised) {

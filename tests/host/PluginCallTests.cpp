@@ -78,8 +78,8 @@ TEST_F(PluginCalls, AreNamedAsProgramsWriteThem) {
         host.call(object, "ACT").result();
         host.callShared("Watched", "shared").result();
     }
-    EXPECT_EQ(seen, (std::vector<std::string>{"New Watched", "Watched.size",
-                                              "setting Watched.size", "Watched.act", "Watched.shared",
+    EXPECT_EQ(seen, (std::vector<std::string>{"New Watched", "Watched.size", "setting Watched.size",
+                                              "Watched.act", "Watched.shared",
                                               "the destructor of Watched"}));
     EXPECT_EQ(PluginCall::current(), nullptr);
 }
