@@ -1,6 +1,8 @@
 include(GoogleTest)
 include(ProcessorCount)
-find_package(GTest REQUIRED)
+if(NOT TARGET GTest::gmock)
+    find_package(GTest REQUIRED)
+endif()
 ProcessorCount(PROCESSORS)
 
 # Everything that './dev test' needs.
@@ -12,6 +14,9 @@ add_custom_target(tests)
 # "Whole", where the program starts once and forks for each: many times faster. "Isolated" is what a
 # change has to pass: where PART is given, it makes the set smaller there.
 function(test_set set program)
+    if(NOT TARGET ${program}) # sanitized, for a Mac
+        return()
+    endif()
     cmake_parse_arguments(PARSE_ARGV 2 ARG "" "" "PART")
     set(arguments ${ARG_UNPARSED_ARGUMENTS})
     gtest_discover_tests(${program}
@@ -52,6 +57,9 @@ endfunction()
 # same test objects linked with everything under test as the sanitizers want it. Sources that must
 # know of that are compiled again, with these definitions. To be called when NAME is complete.
 function(sanitized_tests NAME)
+    if(MACOS_HOST)
+        return()
+    endif()
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "COMPILED_AGAIN;DEFINITIONS")
     set(objects $<TARGET_OBJECTS:${NAME}>)
     foreach(source IN LISTS ARG_COMPILED_AGAIN)

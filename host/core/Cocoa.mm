@@ -18,8 +18,4 @@ void popAutoreleasePool(void *pool) {
     [static_cast<NSAutoreleasePool *>(pool) drain];
 }
 
-void startFoundation(int argc, char **argv, char **environment) {
-    [NSProcessInfo initializeWithArguments:argv count:argc environment:environment];
-}
-
 } // namespace host

@@ -30,6 +30,8 @@
 #include <string>
 #include <utility>
 
+extern "C" char **environ; // which not every unistd.h declares
+
 namespace {
 
 using namespace zkthost;

@@ -4,6 +4,7 @@
 
 #include "ActingObject.h"
 #include "Caught.h"
+#include "System.h"
 
 #include <array>
 #include <cerrno>
@@ -82,7 +83,7 @@ std::string inChild(const std::function<std::string()> &body) {
     if (pipe(ends.data()) != 0)
         fail("pipe");
     // Not inherited: what children write to stderr one after the other is read as one child's.
-    const int log = memfd_create("log", 0);
+    const int log = anonymousFile("log");
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child < 0 || log < 0)

@@ -28,6 +28,8 @@ void *imageFunction(host::Image &loaded, std::string_view name) {
 
 // What is thrown ends the program and is named as it does.
 // NOLINTNEXTLINE(bugprone-exception-escape)
+extern "C" char **environ; // which not every unistd.h declares
+
 int main(int argc, char **argv) {
     host::startFoundation(argc, argv, environ);
     const host::AutoreleasePool pool;

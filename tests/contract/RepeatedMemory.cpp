@@ -1,5 +1,7 @@
 #include "RepeatedMemory.h"
 
+#include "System.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -23,7 +25,7 @@ RepeatedMemory::RepeatedMemory(std::size_t size)
     begin_ = static_cast<unsigned char *>(checked(
         mmap(nullptr, size_, protection, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0),
         MAP_FAILED, "mmap"));
-    const int chunk = checked(memfd_create("chunk", 0), -1, "memfd_create");
+    const int chunk = checked(anonymousFile("chunk"), -1, "a file for the chunk");
     checked(ftruncate(chunk, chunkSize), -1, "ftruncate");
     for (std::size_t at = 0; at + chunkSize < size_; at += chunkSize)
         checked(mmap(begin_ + at, chunkSize, protection, MAP_SHARED | MAP_FIXED, chunk, 0),

@@ -6,7 +6,11 @@
 #include <filesystem>
 #include <string>
 
+#ifdef __APPLE__
+inline constexpr const char *wrongPluginSystems[] = {"macos"};
+#else
 inline constexpr const char *wrongPluginSystems[] = {"macos", "linux"};
+#endif
 
 /// The image that has the fault once it is loaded, by this process or one that it starts.
 inline std::filesystem::path wrongPlugin(const std::string &system, const std::string &fault) {

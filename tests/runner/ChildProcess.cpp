@@ -1,5 +1,7 @@
 #include "ChildProcess.h"
 
+#include "System.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <spawn.h>
@@ -8,6 +10,8 @@
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
+
+extern "C" char **environ; // which not every unistd.h declares
 
 namespace {
 
@@ -19,8 +23,8 @@ void check(int error, const char *what) {
 /// A file in memory that the program writes to: unlike a pipe it takes any amount.
 class Output {
 public:
-    explicit Output(const char *name) : file_(memfd_create(name, MFD_CLOEXEC)) {
-        check(file_ < 0 ? errno : 0, "memfd_create");
+    explicit Output(const char *name) : file_(anonymousFile(name)) {
+        check(file_ < 0 ? errno : 0, "a file for the output");
     }
     ~Output() { close(file_); }
     Output(const Output &) = delete;

@@ -1,6 +1,7 @@
 #include "IsolatedRun.h"
 
 #include "JUnitReport.h"
+#include "System.h"
 
 #include "host/crash/CrashHandler.h"
 
@@ -18,7 +19,6 @@
 #include <regex>
 #include <stdexcept>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -83,9 +83,9 @@ struct Child {
 
 /// Gives 0 in the new process, in which the test is to be run.
 pid_t start(Child &child, unsigned seconds) {
-    child.output = memfd_create("output", MFD_CLOEXEC);
+    child.output = anonymousFile("output");
     if (child.output < 0)
-        fail("memfd_create");
+        fail("a file for the output");
     child.start = Clock::now();
     std::fflush(nullptr);
     const pid_t process = fork();
@@ -94,7 +94,7 @@ pid_t start(Child &child, unsigned seconds) {
     if (process > 0)
         return process;
     setpgid(0, 0); // to be killed together with processes of its own
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    endWithParent();
     alarm(seconds);
     dup2(child.output, STDOUT_FILENO);
     dup2(child.output, STDERR_FILENO);

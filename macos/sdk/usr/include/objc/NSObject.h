@@ -40,6 +40,12 @@ __attribute__((objc_root_class))
 + (Class)class;
 + (nullable Class)superclass;
 + (BOOL)instancesRespondToSelector:(SEL)aSelector;
++ (nullable IMP)instanceMethodForSelector:(SEL)aSelector;
++ (BOOL)resolveClassMethod:(SEL)aSelector;
++ (BOOL)resolveInstanceMethod:(SEL)aSelector;
++ (BOOL)isSubclassOfClass:(Class)aClass;
+- (nullable IMP)methodForSelector:(SEL)aSelector;
++ (nullable IMP)methodForSelector:(SEL)aSelector;
 - (instancetype)init;
 - (void)dealloc;
 - (id)copy;

@@ -23,4 +23,13 @@ OBJC_VISIBLE
                            count:(NSUInteger)count;
 @end
 
+OBJC_VISIBLE
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
+- (void)addObject:(ObjectType)object;
+- (void)removeLastObject;
+- (void)removeAllObjects;
+- (void)replaceObjectAtIndex:(NSUInteger)index withObject:(ObjectType)object;
++ (instancetype)arrayWithCapacity:(NSUInteger)capacity;
+@end
+
 #pragma clang assume_nonnull end

@@ -16,4 +16,13 @@ OBJC_VISIBLE
 + (instancetype)dataWithBytes:(nullable const void *)bytes length:(NSUInteger)length;
 @end
 
+OBJC_VISIBLE
+@interface NSMutableData : NSData
+@property(readonly) void *mutableBytes __attribute__((objc_returns_inner_pointer));
+@property NSUInteger length;
+- (void)appendBytes:(const void *)bytes length:(NSUInteger)length;
++ (nullable instancetype)dataWithLength:(NSUInteger)length;
++ (nullable instancetype)dataWithCapacity:(NSUInteger)capacity;
+@end
+
 #pragma clang assume_nonnull end

@@ -18,6 +18,17 @@ OBJC_VISIBLE
 @property(readonly, copy) NSArray<KeyType> *allKeys;
 + (instancetype)dictionary;
 + (instancetype)dictionaryWithObject:(ObjectType)object forKey:(KeyType<NSCopying>)key;
++ (instancetype)dictionaryWithObjectsAndKeys:(id)firstObject, ... __attribute__((sentinel(0, 1)));
++ (instancetype)dictionaryWithObjects:(const ObjectType _Nonnull[_Nullable])objects
+                              forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
+                                count:(NSUInteger)count;
+- (instancetype)initWithObjectsAndKeys:(id)firstObject, ... __attribute__((sentinel(0, 1)));
+@end
+
+OBJC_VISIBLE
+@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
+- (void)setObject:(ObjectType)object forKey:(KeyType<NSCopying>)key;
+- (void)removeObjectForKey:(KeyType)key;
 @end
 
 #pragma clang assume_nonnull end

@@ -13,6 +13,10 @@
 
 typedef NSString *NSExceptionName;
 
+FOUNDATION_EXPORT NSExceptionName const NSGenericException;
+FOUNDATION_EXPORT NSExceptionName const NSInvalidArgumentException;
+FOUNDATION_EXPORT NSExceptionName const NSRangeException;
+
 OBJC_VISIBLE
 __attribute__((objc_exception))
 @interface NSException : NSObject<NSCopying>

@@ -22,6 +22,9 @@
 
 #pragma clang assume_nonnull begin
 
+FOUNDATION_EXPORT NSString *NSStringFromSelector(SEL selector);
+FOUNDATION_EXPORT NSString *NSStringFromClass(Class cls);
+
 /// Writes a line to the system's log and to standard error. %@ takes an object, null included.
 FOUNDATION_EXPORT void NSLog(NSString *format, ...) __attribute__((format(__NSString__, 1, 2)));
 

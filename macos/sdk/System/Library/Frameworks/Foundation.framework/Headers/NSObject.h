@@ -19,4 +19,8 @@ typedef struct _NSZone NSZone;
 - (id)mutableCopyWithZone:(nullable NSZone *)zone;
 @end
 
+/// An instance with `extraBytes` behind its variables, all zero. The zone is ignored.
+FOUNDATION_EXPORT id NSAllocateObject(Class cls, NSUInteger extraBytes, NSZone *_Nullable zone);
+FOUNDATION_EXPORT void NSDeallocateObject(id object);
+
 #pragma clang assume_nonnull end

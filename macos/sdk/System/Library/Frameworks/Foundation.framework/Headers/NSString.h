@@ -22,6 +22,17 @@ OBJC_VISIBLE
 + (instancetype)stringWithCharacters:(const unichar *)characters length:(NSUInteger)length;
 + (instancetype)stringWithFormat:(NSString *)format,
                                  ... __attribute__((format(__NSString__, 1, 2)));
++ (instancetype)stringWithString:(NSString *)string;
+- (instancetype)initWithUTF8String:(const char *)text;
+- (void)getCharacters:(unichar *)buffer;
+- (BOOL)hasPrefix:(NSString *)prefix;
+- (NSString *)stringByAppendingString:(NSString *)string;
+@end
+
+OBJC_VISIBLE
+@interface NSMutableString : NSString
+- (void)appendString:(NSString *)string;
+- (void)appendFormat:(NSString *)format, ... __attribute__((format(__NSString__, 1, 2)));
 @end
 
 #ifndef __APPLE__

@@ -15,6 +15,8 @@ OBJC_VISIBLE
 + (nullable instancetype)URLWithString:(NSString *)text;
 @property(nullable, readonly, copy) NSString *absoluteString;
 @property(readonly, getter=isFileURL) BOOL fileURL;
+@property(nullable, readonly, copy) NSString *path;
+- (instancetype)initFileURLWithPath:(NSString *)path;
 @end
 
 #pragma clang assume_nonnull end

@@ -1,0 +1,76 @@
+# The reference host's platform on a Mac: Apple's frameworks, under the names that stand for loader
+# and stand-in elsewhere, and Homebrew's libraries.
+#
+# Cross-built on Linux nothing of this can run; it compiles and links, against macos/sdk, the headers
+# of Debian's libraries and import stubs for their binaries, and GoogleTest from its sources.
+foreach(library macos_standin macos_loader gnustep_base llvm_object)
+    add_library(${library} INTERFACE)
+endforeach()
+target_link_libraries(macos_standin INTERFACE
+    "-framework Foundation" "-framework CoreFoundation" "-framework CoreServices" objc)
+target_include_directories(macos_standin INTERFACE ${CMAKE_SOURCE_DIR}/macos)
+target_compile_options(gnustep_base INTERFACE
+    "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions>")
+
+if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Darwin")
+    find_package(CLI11 REQUIRED)
+    find_package(nlohmann_json REQUIRED)
+    find_package(ICU REQUIRED COMPONENTS uc)
+    find_library(LIBFFI ffi REQUIRED)
+    return()
+endif()
+
+# Debian's headers lie among those of its C library, which must stay out of sight.
+set(headers ${CMAKE_BINARY_DIR}/headers)
+file(MAKE_DIRECTORY ${headers})
+foreach(header CLI editline nlohmann unicode x86_64-linux-gnu/ffi.h x86_64-linux-gnu/ffitarget.h)
+    get_filename_component(name ${header} NAME)
+    if(NOT EXISTS /usr/include/${header})
+        message(FATAL_ERROR "There is no /usr/include/${header}; './dev build' installs what is missing.")
+    endif()
+    file(CREATE_LINK /usr/include/${header} ${headers}/${name} SYMBOLIC)
+endforeach()
+foreach(library CLI11::CLI11 nlohmann_json::nlohmann_json)
+    add_library(${library} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${library} INTERFACE ${headers})
+endforeach()
+
+set(stubs ${CMAKE_SOURCE_DIR}/macos/host-libraries)
+# macos/sdk's stubs say what the plug-in may import, these what the host needs beyond that.
+target_link_libraries(macos_standin INTERFACE
+    ${stubs}/Foundation.tbd ${stubs}/CoreFoundation.tbd ${stubs}/libobjc.tbd)
+# import_stub(NAME INSTALL_NAME FILE PATTERN): what a library of Debian's exports, as that of a Mac's
+# library.
+function(import_stub name install_name file pattern)
+    execute_process(COMMAND ${CMAKE_NM} ${ARGN} --extern-only --defined-only --format=just-symbols ${file}
+                    OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "${pattern}" symbols "${output}")
+    list(REMOVE_DUPLICATES symbols)
+    list(TRANSFORM symbols PREPEND "_")
+    list(JOIN symbols ", " symbols)
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/${name}.tbd @ONLY CONTENT "--- !tapi-tbd
+tbd-version:     4
+targets:         [ x86_64-macos ]
+install-name:    '@install_name@'
+exports:
+  - targets:         [ x86_64-macos ]
+    symbols:         [ @symbols@ ]
+...
+")
+endfunction()
+import_stub(libc++ /usr/lib/libc++.1.dylib ${CLANG_BIN}/../lib/libc++.a "_Z[^\n]+")
+import_stub(libc++abi /usr/lib/libc++abi.dylib ${CLANG_BIN}/../lib/libc++abi.a
+    "(_Z|__cxa_|__gxx_)[^\n]+")
+find_file(ICU_OF_DEBIAN libicuuc.so PATHS /usr/lib/x86_64-linux-gnu
+    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+import_stub(libicuuc /usr/local/opt/icu4c/lib/libicuuc.dylib ${ICU_OF_DEBIAN}
+    "(_ZNK?[0-9]+icu|_ZT[ISV]N[0-9]+icu|u_|ucnv_)[^\n]+" -D)
+target_link_libraries(macos_standin INTERFACE
+    ${CMAKE_BINARY_DIR}/libc++.tbd ${CMAKE_BINARY_DIR}/libc++abi.tbd)
+set(LIBFFI ${stubs}/libffi.tbd)
+set(LIBEDIT ${stubs}/libedit.tbd)
+set(ICU_UC_LIBRARY_RELEASE ${CMAKE_BINARY_DIR}/libicuuc.tbd)
+set(ICU_INCLUDE_DIR ${headers})
+
+set(INSTALL_GTEST OFF)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
