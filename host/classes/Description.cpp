@@ -159,6 +159,7 @@ std::string describeClasses(const Host &host, DescriptionFormat format) {
     case DescriptionFormat::markdown:
         return asMarkdown(classes);
     case DescriptionFormat::text:
+    case DescriptionFormat::html:
         break;
     }
     return asText(classes);

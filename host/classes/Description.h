@@ -10,9 +10,10 @@ namespace host {
 
 class Host;
 
-enum class DescriptionFormat { text, json, markdown };
+enum class DescriptionFormat { text, json, markdown, html };
 
-/// Every registered class in order of registration, every row in table order.
+/// Every registered class in order of registration, every row in table order. There is no HTML of
+/// them alone: that is the text.
 std::string describeClasses(const Host &host, DescriptionFormat format);
 /// The same as an array.
 Json classesAsJson(const Host &host);

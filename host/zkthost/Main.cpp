@@ -17,6 +17,7 @@
 #include "host/zkthost/LiveTrace.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/Output.h"
+#include "host/zkthost/Reference.h"
 #include "host/zkthost/Report.h"
 #include "host/zkthost/ReportText.h"
 #include "host/zkthost/RunProgram.h"
@@ -29,6 +30,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 extern "C" char **environ; // which not every unistd.h declares
 
@@ -84,6 +86,14 @@ host::Image &load(host::Host &host, const Options &options) {
                                : "";
         throw InputError(error.what() + std::string(hint));
     }
+}
+
+Status reference(host::Host &host, const Options &options) {
+    const std::vector<ReferenceChapter> chapters = makeReference(host, *options.words);
+    print(options.format == host::DescriptionFormat::html ? referenceAsHtml(chapters)
+                                                          : referenceAsMarkdown(chapters));
+    host.shutDown();
+    return verdict(host);
 }
 
 Status describe(host::Host &host, const host::Image &image, host::DescriptionFormat format) {
@@ -203,7 +213,7 @@ Status run(host::Host &host, const Options &options) {
         return runProgram(host, options);
     host::Image &image = load(host, options);
     if (options.command == Command::describe)
-        return describe(host, image, options.format);
+        return options.words ? reference(host, options) : describe(host, image, options.format);
     if (options.command == Command::call)
         return call(host, options);
     if (options.command == Command::convert)

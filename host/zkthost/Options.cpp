@@ -32,9 +32,10 @@ constexpr Choice<DescriptionFormat> formats[] = {
     {"text", DescriptionFormat::text},
     {"json", DescriptionFormat::json},
     {"markdown", DescriptionFormat::markdown},
+    {"html", DescriptionFormat::html},
 };
 
-/// "text, json or markdown"
+/// "text, json, markdown or html"
 template <typename Value, std::size_t Count>
 std::string listOf(std::span<const Choice<Value>, Count> choices) {
     std::string text;
@@ -102,6 +103,7 @@ struct Words {
     std::optional<std::string> version;
     std::string sibling = "all";
     std::string format = "text";
+    std::optional<std::string> words;
     std::optional<std::string> propertyList;
     std::optional<std::string> cocoaClass;
     std::string helpFor;
@@ -134,8 +136,12 @@ void addGeneralOptions(CLI::App &app, Words &words, Options &options) {
 void addCommands(CLI::App &app, Words &words) {
     CLI::App *describe = app.add_subcommand(
         "describe", "The plug-in's file, and its classes exactly as it registers them");
-    describe->add_option("--format", words.format, "text (default), json or markdown")
+    describe->add_option("--format", words.format, "text (default), json, markdown or html")
         ->type_name("FORMAT");
+    describe
+        ->add_option("--words", words.words,
+                     "A folder with the words of the reference: prints that, as markdown or html")
+        ->type_name("FOLDER");
     CLI::App *report = app.add_subcommand("report", "Every property of this process");
     report->add_option("--format", words.format, "text (default) or json")->type_name("FORMAT");
     CLI::App *call = app.add_subcommand(
@@ -165,7 +171,7 @@ void addCommands(CLI::App &app, Words &words) {
 struct NamedCommand {
     const char *name;
     Command command;
-    bool hasMarkdown;
+    bool hasDocuments; ///< Markdown and HTML beside text and JSON
 };
 constexpr NamedCommand commands[] = {
     {"describe", Command::describe, true}, {"report", Command::report, false},
@@ -177,7 +183,7 @@ constexpr NamedCommand commands[] = {
 void interpret(const Words &words, const NamedCommand &command, Options &options) {
     const std::span<const Choice<DescriptionFormat>> all(formats);
     options.command = command.command;
-    options.format = chosen("--format", words.format, command.hasMarkdown ? all : all.first(2));
+    options.format = chosen("--format", words.format, command.hasDocuments ? all : all.first(2));
     options.host.siblings = chosen("--sibling", words.sibling, std::span(siblings));
     if (words.version)
         options.host.version = versionIn(*words.version);
@@ -189,6 +195,13 @@ void interpret(const Words &words, const NamedCommand &command, Options &options
         throw InputError(std::string("call is followed by statements") + whereToLook);
     if (words.propertyList && words.cocoaClass)
         throw InputError("--plist and --class exclude each other");
+    const bool isMarkdown = options.format == DescriptionFormat::markdown;
+    const bool isHtml = options.format == DescriptionFormat::html;
+    if (words.words && !isMarkdown && !isHtml)
+        throw InputError("--words is for --format markdown or html");
+    if (isHtml && !words.words)
+        throw InputError("--format html is for the reference: name the folder of its --words");
+    options.words = words.words;
     options.expression = words.expression.value_or("");
     options.propertyList = words.propertyList;
     options.cocoaClass = words.cocoaClass;

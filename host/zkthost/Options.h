@@ -26,6 +26,8 @@ struct Options {
     std::string expression = {}; ///< of call
     /// Of run: the program's file and arguments; nothing for the prompt.
     std::vector<std::string> program = {};
+    /// Of describe, for the reference: the folder of its words.
+    std::optional<std::filesystem::path> words = {};
     // Of convert, at most one; neither: the example.
     std::optional<std::filesystem::path> propertyList = {};
     std::optional<std::string> cocoaClass = {};

@@ -165,6 +165,11 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCommandLine{"ConvertWithoutClass", {"convert", "--class"}, "--class"},
         WrongCommandLine{"PropertyListOfAReport", {"report", "--plist", "a"}, "--plist"},
         WrongCommandLine{"ReportAsMarkdown", {"report", "--format", "markdown"}, "markdown"},
+        WrongCommandLine{"PageWithoutWords", {"describe", "--format", "html"}, "--words"},
+        WrongCommandLine{"WordsForJson",
+                         {"describe", "--format", "json", "--words", "a"},
+                         "--words is for --format markdown or html"},
+        WrongCommandLine{"WordsOfAReport", {"report", "--words", "a"}, "--words"},
         WrongCommandLine{"UnknownDescribeFormat", {"describe", "--format", "yaml"}, "yaml"}),
     [](const auto &parameter) { return parameter.param.name; });
 
