@@ -57,6 +57,7 @@ function search() {
 function searchFromAddress() {
   field.value = new URLSearchParams(location.hash.slice(1)).get("search") ?? "";
   search();
+  document.getElementById(location.hash.slice(1))?.scrollIntoView(); // it was hidden until now
 }
 document.getElementById("finder").hidden = false;
 field.addEventListener("input", search);

@@ -32,6 +32,7 @@ class Search(unittest.TestCase):
         everything = re.findall(r'class="entry" id="([^"]*)"', pathlib.Path(page).read_text())
         self.assertGreater(len(everything), 50)
         self.assertEqual(shown(""), (everything, False))
+        self.assertEqual(shown("#NSProcessInfoZKT.hostName"), (everything, False))
 
     def test_shows_what_has_all_words(self):
         entries, says_nothing = shown("#search=HEAT%20slows")
