@@ -157,7 +157,6 @@ TEST(EnvironmentOfThisProcess, IsTheOneThatItWasStartedWith) {
         if (sign != std::string_view::npos)
             expected.emplace(text.substr(0, sign), text.substr(sign + 1));
     }
-    ASSERT_FALSE(expected.empty());
     EXPECT_EQ(ofThisProcess(), expected);
 }
 

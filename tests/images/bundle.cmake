@@ -42,7 +42,7 @@ expect_equal("weak imports" "${weak}" "_NSProcessInfoThermalStateDidChangeNotifi
 output_of(header llvm-objdump --macho --private-headers ${executable})
 expect_match("header" "${header}" "MH_MAGIC_64 +X86_64 +[A-Z0-9]+ +0x[0-9A-F]+ +BUNDLE ")
 # The SDK that the build folder was configured with says its version.
-file(STRINGS ${BUNDLE}/../CMakeCache.txt sdk REGEX "^CMAKE_OSX_SYSROOT:")
+file(STRINGS ${BUNDLE}/../CMakeCache.txt sdk REGEX "^CMAKE_OSX_SYSROOT:" ENCODING UTF-8)
 string(REGEX REPLACE "^[^=]*=" "" sdk "${sdk}")
 file(READ ${sdk}/SDKSettings.json settings)
 string(JSON version GET "${settings}" Version)
