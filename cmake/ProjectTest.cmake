@@ -21,7 +21,7 @@ function(test_set set program)
     set(arguments ${ARG_UNPARSED_ARGUMENTS})
     gtest_discover_tests(${program}
         TEST_PREFIX ${set}/ TEST_LIST ${set}_tests EXTRA_ARGS ${arguments}
-        PROPERTIES LABELS each NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST)
+        PROPERTIES LABELS each ENVIRONMENT ASAN_OPTIONS=symbolize=1 NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST)
     set(jobs ${PROCESSORS})
     if(program MATCHES "_sanitized$")
         # The leak check at a test's end sleeps more than it works.
