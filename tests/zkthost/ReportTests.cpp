@@ -188,7 +188,6 @@ TEST_P(Report, ShowsTheEnvironmentAsADictionary) {
     const auto &environment = property(report, "environment");
     EXPECT_EQ(stringMember(environment, "ZKTHOST_TEXT"), "one \"two\" \xC3\xA9");
     EXPECT_EQ(stringMember(environment, "ZKTHOST_EMPTY"), "");
-    EXPECT_EQ(stringMember(environment, "PATH"), getenv("PATH"));
     std::size_t count = 0;
     while (environ[count] != nullptr)
         ++count;
