@@ -1,17 +1,24 @@
 #include "host/Host.h"
 
 #include "host/classes/Builtins.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Exceptions.h"
 #include "host/classes/Instances.h"
-#include "host/classes/Invoker.h"
+#include "host/classes/NativeData.h"
 #include "host/core/Cocoa.h"
+#include "host/core/Core.h"
 #include "host/core/PluginCall.h"
+#include "host/core/Text.h"
+#include "host/core/UsageError.h"
 #include "host/crash/CrashHandler.h"
 #include "host/family/Siblings.h"
-#include "host/language/Encodings.h"
+#include "host/memory/Heap.h"
+#include "host/memory/Violations.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace host {
@@ -30,17 +37,16 @@ std::function<void(const std::string &)> &unexaminedHandler() {
 }
 
 void *resolve(const char *serviceName) {
-    return Host::current().services().find(serviceName);
+    return Core::current().services.find(serviceName);
 }
 
 RaisedException seen(ObjectRef exception) {
-    const Host &host = Host::current();
-    const Object &object = *host.heap().find(exception.handle());
+    const Object &object = *Core::current().heap.find(exception.handle());
     RaisedException result{
         .className = object.type->name, .message = {}, .object = std::move(exception)};
-    if (const auto *data = std::get_if<ExceptionData>(&object.payload)) {
+    if (const auto *data = std::any_cast<ExceptionData>(&object.payload)) {
         if (data->message.handle() != nullptr)
-            result.message = host.text(data->message.handle());
+            result.message = textOf(data->message.handle());
         result.errorNumber = data->errorNumber;
     }
     if (object.type->name == siblings::exceptionClassName) {
@@ -50,10 +56,6 @@ RaisedException seen(ObjectRef exception) {
         result.cocoaReason = siblings::cocoaReason(cocoa);
     }
     return result;
-}
-
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + ' ' + std::string(count == 1 ? one : many);
 }
 
 } // namespace
@@ -68,23 +70,21 @@ std::string describe(const Account &account) {
 }
 
 struct Host::State {
-    explicit State(HostOptions itsOptions)
-        : options(std::move(itsOptions)),
-          heap(violations, runDestructors, options.quarantineLimit) {}
+    explicit State(HostOptions options)
+        : heap(violations, runDestructors, options.quarantineLimit),
+          core{.options = std::move(options),
+               .heap = heap,
+               .classes = classes,
+               .pending = pending,
+               .services = services} {}
 
-    HostOptions options;
     AutoreleasePool pool; ///< for what is autoreleased outside of program calls
     Violations violations;
     ClassTable classes;
     Heap heap;
     Services services;
-    Trace trace;
-    std::vector<Method> globals = globalMethods();
-    std::vector<MethodDeclaration> hiddenMethods;
-    ObjectRef pending;
-    std::vector<RaisedException> stray;
-    std::int32_t interfaceVersion = 0;
-    std::size_t calls = 0;
+    PendingException pending;
+    Core core;
     std::size_t leaks = 0;
     bool isShutDown = false;
 };
@@ -94,20 +94,22 @@ Host::Host(HostOptions options) {
         throw UsageError("there is a host already in this process");
     state_ = std::make_unique<State>(std::move(options));
     currentHost = this;
-    tracer().setOn(state_->options.tracing);
-    addBuiltinClasses(*this);
+    Core &core = state_->core;
+    Core::setCurrent(&core);
+    core.trace.setOn(core.options.tracing);
+    addBuiltinClasses(core.classes);
     // The activity class finds its data through its record only: elsewhere than all others.
-    classes().placeData("NSProcessInfoActivityZKT", 64);
-    if (!state_->options.version)
-        services().hide("REALGetRBVersion");
-    const Siblings present = state_->options.siblings;
+    core.classes.placeData("NSProcessInfoActivityZKT", 64);
+    if (!core.options.version)
+        core.services.hide("REALGetRBVersion");
+    const Siblings present = core.options.siblings;
     const bool allPresent = present == Siblings::all || present == Siblings::wrappers;
     if (present == Siblings::exceptions || allPresent)
-        siblings::installExceptions();
+        siblings::installExceptions(core);
     if (present == Siblings::registry || allPresent)
         siblings::installRegistry();
     if (present == Siblings::wrappers)
-        siblings::addWrapperClasses();
+        siblings::addWrapperClasses(core.classes);
 }
 
 Host::~Host() {
@@ -115,6 +117,7 @@ Host::~Host() {
     for (const std::string &violation : state_->violations.unexamined())
         unexaminedHandler()(violation);
     // What dies now does so without its destructors: it was reported.
+    Core::setCurrent(nullptr);
     state_.reset();
     currentHost = nullptr;
 }
@@ -126,7 +129,7 @@ Host &Host::current() {
 }
 
 bool Host::exists() {
-    return currentHost != nullptr && currentHost->state_ != nullptr;
+    return Core::currentIfAny() != nullptr;
 }
 
 void Host::onUnexamined(std::function<void(const std::string &)> handler) {
@@ -163,8 +166,8 @@ Resolver Host::resolver() {
     return resolve;
 }
 
-StringRef Host::makeString(std::string_view stringBytes, std::uint32_t stringEncoding) {
-    return StringRef::adopt(heap().makeString(std::string(stringBytes), stringEncoding).handle());
+StringRef Host::makeString(std::string_view bytes, std::uint32_t encoding) {
+    return host::makeString(bytes, encoding);
 }
 
 Services &Host::services() {
@@ -172,33 +175,31 @@ Services &Host::services() {
 }
 
 void Host::hideClass(std::string_view name) {
-    classes().hide(name);
+    state_->classes.hide(name);
 }
 
 void Host::showClass(std::string_view name) {
-    classes().show(name);
+    state_->classes.show(name);
 }
 
 void Host::addClass(const ClassSpec &spec) {
-    classes().add(spec);
+    state_->classes.add(spec);
 }
 
 void Host::hideMethod(std::string_view declaration) {
-    state_->hiddenMethods.push_back(parseMethod(declaration));
+    state_->classes.hideMethod(parseMethod(declaration));
 }
 
 void Host::showMethod(std::string_view declaration) {
-    std::erase_if(state_->hiddenMethods, [shown = parseMethod(declaration)](const auto &hidden) {
-        return sameSignature(hidden, shown);
-    });
+    state_->classes.showMethod(parseMethod(declaration));
 }
 
 void Host::setMemoryBlockLimit(std::uint64_t limit) {
-    state_->options.memoryBlockLimit = limit;
+    state_->core.options.memoryBlockLimit = limit;
 }
 
 void Host::setVersion(std::optional<double> version) {
-    state_->options.version = version;
+    state_->core.options.version = version;
     if (version)
         services().restore("REALGetRBVersion");
     else
@@ -206,23 +207,23 @@ void Host::setVersion(std::optional<double> version) {
 }
 
 std::vector<std::string> Host::trace() const {
-    return state_->trace.all();
+    return state_->core.trace.all();
 }
 
 std::vector<std::string> Host::calls() const {
-    return state_->trace.calls();
+    return state_->core.trace.calls();
 }
 
 std::vector<std::string> Host::lookups() const {
-    return state_->trace.lookups();
+    return state_->core.trace.lookups();
 }
 
 void Host::clearTrace() {
-    state_->trace.clear();
+    state_->core.trace.clear();
 }
 
 void Host::setTracing(bool on) {
-    state_->trace.setOn(on);
+    state_->core.trace.setOn(on);
 }
 
 const std::vector<std::string> &Host::violations() const {
@@ -230,9 +231,9 @@ const std::vector<std::string> &Host::violations() const {
 }
 
 Account Host::account() const {
-    return {.calls = state_->calls,
-            .liveObjects = heap().liveObjectCount(),
-            .liveStrings = heap().liveStringCount(),
+    return {.calls = state_->core.calls,
+            .liveObjects = state_->heap.liveObjectCount(),
+            .liveStrings = state_->heap.liveStringCount(),
             .leaks = state_->leaks,
             .violations = state_->violations.count()};
 }
@@ -240,119 +241,45 @@ Account Host::account() const {
 void Host::shutDown() {
     if (std::exchange(state_->isShutDown, true))
         return;
-    state_->stray.clear();
-    takePending();
-    heap().checkAllMemory();
-    for (const std::string &leak : heap().leaks()) {
+    state_->pending.clear();
+    state_->heap.checkAllMemory();
+    for (const std::string &leak : state_->heap.leaks()) {
         state_->violations.add(leak);
         ++state_->leaks;
     }
 }
 
-Heap &Host::heap() {
-    return state_->heap;
-}
-
-const Heap &Host::heap() const {
-    return state_->heap;
-}
-
-ClassTable &Host::classes() {
-    return state_->classes;
+Core &Host::core() const {
+    return state_->core;
 }
 
 const ClassTable &Host::classes() const {
     return state_->classes;
 }
 
-Trace &Host::tracer() {
-    return state_->trace;
-}
-
 const HostOptions &Host::options() const {
-    return state_->options;
+    return state_->core.options;
 }
 
-void Host::countCall() {
-    ++state_->calls;
-}
-
-void Host::raise(ObjectHandle exception) {
-    const Object *object = heap().check(exception);
-    if (object == nullptr)
-        return;
-    if (!object->type->isKindOf(*classes().findAny("RuntimeException"))) {
-        heap().violation("got " + Heap::name(*object) + ", which is no exception (" +
-                         object->history.text() + ")");
-        return;
-    }
-    ObjectRef raised = ObjectRef::share(exception);
-    if (ObjectRef before = takePending(); before.handle() != nullptr)
-        state_->stray.push_back(seen(std::move(before)));
-    state_->pending = std::move(raised);
-}
-
-ObjectRef Host::takePending() {
-    return std::exchange(state_->pending, ObjectRef{});
-}
-
-// Only memory that runs out could throw here, and then the end of the process is right.
-// NOLINTNEXTLINE(bugprone-exception-escape)
-Host::ExceptionScope::~ExceptionScope() {
-    if (before_.handle() != nullptr)
-        host_.raise(before_.handle());
+std::int32_t Host::interfaceVersion() const {
+    return state_->core.interfaceVersion;
 }
 
 std::optional<RaisedException> Host::takePendingException() {
-    ObjectRef exception = takePending();
+    ObjectRef exception = state_->pending.take();
     if (exception.handle() == nullptr)
         return std::nullopt;
     return seen(std::move(exception));
 }
 
 bool Host::hasPendingException() const {
-    return state_->pending.handle() != nullptr;
+    return state_->pending.any();
 }
 
-const std::vector<RaisedException> &Host::strayExceptions() const {
-    return state_->stray;
-}
-
-void Host::makePendingStray() {
-    if (auto exception = takePendingException())
-        state_->stray.push_back(*std::move(exception));
-}
-
-std::optional<MethodDeclaration> Host::parseLookup(const char *declaration) {
-    if (declaration == nullptr) {
-        heap().violation("got no declaration");
-        return std::nullopt;
-    }
-    try {
-        MethodDeclaration wanted = parseMethod(declaration);
-        const bool hidden = std::ranges::any_of(state_->hiddenMethods, [&](const auto &method) {
-            return sameSignature(method, wanted);
-        });
-        return hidden ? std::nullopt : std::optional(std::move(wanted));
-    } catch (const DeclarationError &error) {
-        heap().violation(error.what());
-        return std::nullopt;
-    }
-}
-
-const Method *Host::globalMethod(const MethodDeclaration &signature) const {
-    const auto found = std::ranges::find_if(state_->globals, [&](const Method &method) {
-        return sameSignature(method.parsed, signature);
-    });
-    return found == state_->globals.end() ? nullptr : &*found;
-}
-
-void Host::setInterfaceVersion(std::int32_t version) {
-    state_->interfaceVersion = version;
-}
-
-std::int32_t Host::interfaceVersion() const {
-    return state_->interfaceVersion;
+std::vector<RaisedException> Host::strayExceptions() const {
+    std::vector<RaisedException> result;
+    std::ranges::transform(state_->pending.strays(), std::back_inserter(result), seen);
+    return result;
 }
 
 } // namespace host

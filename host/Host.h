@@ -14,9 +14,10 @@
 // One host at a time per process, because the resolver that plug-ins get is a plain C function.
 // All of it belongs to one thread, like the plug-in interface itself.
 
+#include "host/core/HostOptions.h"
 #include "host/core/PluginRecords.h"
-#include "host/core/Trace.h"
 #include "host/image/Image.h"
+#include "host/language/Encodings.h"
 #include "host/language/Value.h"
 #include "host/services/Services.h"
 
@@ -24,7 +25,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,38 +34,7 @@
 namespace host {
 
 class ClassTable;
-class Heap;
-struct Method;
-struct MethodDeclaration;
-
-/// Parts of the plug-in family that are present besides the plug-in: exception support
-/// (NSExceptionZKT and the NSException class methods that make it) and the registry of wrappers.
-/// With wrappers, the family's wrapper classes are there besides all that.
-enum class Siblings { none, exceptions, registry, all, wrappers };
-
-struct HostOptions {
-    static constexpr double usualVersion = 2013.04;
-    /// What REALGetRBVersion answers; nullopt: the service is missing.
-    std::optional<double> version = usualVersion;
-    Siblings siblings = Siblings::all;
-    /// Off: calls are not recorded (benchmarks). Violations always are.
-    bool tracing = true;
-    /// Freed objects and strings are kept, poisoned, so that every later use is noticed. Past
-    /// this number the oldest are really freed.
-    std::size_t quarantineLimit = std::numeric_limits<std::size_t>::max();
-    /// Larger memory blocks are refused: "newMemoryBlock" answers nil, the constructor raises
-    /// OutOfMemoryException.
-    std::uint64_t memoryBlockLimit = std::uint64_t{1} << 40;
-};
-
-/// A class that the host knows without a record: stands for one that another plug-in registers.
-struct ClassSpec {
-    std::string name;
-    std::size_t dataSize = 16;
-    std::size_t dataOffset = objectHeaderSize; ///< >= 48
-    std::vector<std::byte> initialData = {};   ///< copied to the start of each instance's data
-    std::string superclass = {};
-};
+struct Core;
 
 /// Totals for the closing line.
 struct Account {
@@ -162,7 +131,12 @@ public:
     std::optional<RaisedException> takePendingException();
     [[nodiscard]] bool hasPendingException() const;
     /// Exceptions raised while no program call was running, or replaced by a later one.
-    [[nodiscard]] const std::vector<RaisedException> &strayExceptions() const;
+    [[nodiscard]] std::vector<RaisedException> strayExceptions() const;
+
+    /// What it was made with, apart from what switches have changed since.
+    [[nodiscard]] const HostOptions &options() const;
+    [[nodiscard]] const ClassTable &classes() const;
+    [[nodiscard]] std::int32_t interfaceVersion() const; ///< 0 before RegisterPluginVersion
 
     /// In order of registration; the pointers that the plug-in passed.
     [[nodiscard]] std::vector<const PluginClassRecord *> registeredRecords() const;
@@ -190,45 +164,11 @@ public:
     [[nodiscard]] std::vector<std::string> liveObjects() const; ///< NSProcessInfoZKT#1, ...
     [[nodiscard]] std::vector<std::string> liveStrings() const;
 
-    // For the parts of the host.
-
-    Heap &heap();
-    [[nodiscard]] const Heap &heap() const;
-    ClassTable &classes();
-    [[nodiscard]] const ClassTable &classes() const;
-    Trace &tracer();
-    [[nodiscard]] const HostOptions &options() const;
-    void countCall();
-
-    /// The exception becomes pending, with a reference of the host's own; one that was pending
-    /// before becomes a stray.
-    void raise(ObjectHandle exception);
-    /// Takes the pending exception off the host; nil when there is none.
-    ObjectRef takePending();
-    /// Keeps the exception that is pending now out of the way until the scope ends.
-    class ExceptionScope {
-    public:
-        explicit ExceptionScope(Host &host) : host_(host), before_(host.takePending()) {}
-        ~ExceptionScope();
-        ExceptionScope(const ExceptionScope &) = delete;
-        ExceptionScope &operator=(const ExceptionScope &) = delete;
-
-    private:
-        Host &host_;
-        ObjectRef before_;
-    };
-
-    /// What a look-up asks for: nothing when the text does not parse (a violation) or the method
-    /// is hidden.
-    std::optional<MethodDeclaration> parseLookup(const char *declaration);
-    [[nodiscard]] const Method *globalMethod(const MethodDeclaration &signature) const;
-    void setInterfaceVersion(std::int32_t version);
-    [[nodiscard]] std::int32_t interfaceVersion() const; ///< 0 before RegisterPluginVersion
-
 private:
     template <typename Body>
     Outcome perform(Body body);
-    void makePendingStray();
+
+    [[nodiscard]] Core &core() const;
 
     struct State;
     std::unique_ptr<State> state_;

@@ -1,26 +1,29 @@
 // The part of Host that acts as a program of the host's language.
 
 #include "host/Host.h"
-#include "host/classes/Builtins.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Exceptions.h"
 #include "host/classes/Instances.h"
 #include "host/classes/Invoker.h"
 #include "host/core/Cocoa.h"
+#include "host/core/Core.h"
+#include "host/core/UsageError.h"
+#include "host/memory/Heap.h"
 
 namespace host {
 
 namespace {
 
-const HostClass &classNamed(const Host &host, std::string_view name) {
-    if (const HostClass *type = host.classes().find(name))
+const HostClass &classNamed(const ClassTable &classes, std::string_view name) {
+    if (const HostClass *type = classes.find(name))
         return *type;
     throw UsageError("the host knows no class " + std::string(name));
 }
 
-Object &liveObject(Host &host, ObjectHandle handle) {
-    Object *object = host.heap().find(handle);
-    if (object != nullptr && object->life != Life::freed)
+Object &liveObject(const Heap &heap, ObjectHandle handle) {
+    if (Object *object = heap.findLive(handle))
         return *object;
-    throw UsageError(host.heap().name(handle) + " is no live object");
+    throw UsageError(heap.name(handle) + " is no live object");
 }
 
 const Property &propertyNamed(const HostClass &type, std::string_view name) {
@@ -48,7 +51,7 @@ const Method *constructorFor(const HostClass &type, std::size_t count) {
 template <typename Body>
 Outcome Host::perform(Body body) {
     return inAutoreleasePool([&] {
-        makePendingStray();
+        core().pending.makeStray();
         Outcome outcome;
         outcome.value = body();
         outcome.exception = takePendingException();
@@ -57,17 +60,17 @@ Outcome Host::perform(Body body) {
 }
 
 Outcome Host::newObject(std::string_view className, const Values &arguments) {
-    const HostClass &type = classNamed(*this, className);
+    const HostClass &type = classNamed(classes(), className);
     const Method *constructor = constructorFor(type, arguments.size());
     if (constructor == nullptr && !arguments.empty())
         noMethod(type, "constructor", "", arguments.size());
     Outcome outcome = perform([&]() -> Value {
-        Object *object = instantiate(*this, type);
+        Object *object = instantiate(core(), type);
         if (object == nullptr)
             return {};
         ObjectRef made = ObjectRef::adopt(object->handle());
         if (constructor != nullptr && !hasPendingException())
-            callMethod(*this, *constructor, *object, arguments);
+            callMethod(core(), *constructor, *object, arguments);
         return made;
     });
     if (outcome.raised())
@@ -79,44 +82,44 @@ ObjectRef Host::newInstance(std::string_view className) {
     const HostClass *type = classes().find(className);
     if (type == nullptr || type->isInternal)
         return {};
-    Object *object = inAutoreleasePool([&] { return instantiate(*this, *type); });
+    Object *object = inAutoreleasePool([&] { return instantiate(core(), *type); });
     return object == nullptr ? ObjectRef{} : ObjectRef::adopt(object->handle());
 }
 
 Outcome Host::get(ObjectHandle handle, std::string_view name) {
-    Object &object = liveObject(*this, handle);
+    Object &object = liveObject(core().heap, handle);
     const Property &property = propertyNamed(*object.type, name);
-    return perform([&] { return readProperty(*this, object, property); });
+    return perform([&] { return readProperty(core(), object, property); });
 }
 
 Outcome Host::set(ObjectHandle handle, std::string_view name, const Value &value) {
-    Object &object = liveObject(*this, handle);
+    Object &object = liveObject(core().heap, handle);
     const Property &property = propertyNamed(*object.type, name);
     return perform([&]() -> Value {
-        writeProperty(*this, object, property, value);
+        writeProperty(core(), object, property, value);
         return {};
     });
 }
 
 Outcome Host::call(ObjectHandle handle, std::string_view name, const Values &arguments) {
-    Object &object = liveObject(*this, handle);
+    Object &object = liveObject(core().heap, handle);
     const Method *method = object.type->method(name, arguments.size());
     if (method == nullptr)
         noMethod(*object.type, "method", name, arguments.size());
-    return perform([&] { return callMethod(*this, *method, object, arguments); });
+    return perform([&] { return callMethod(core(), *method, object, arguments); });
 }
 
 Outcome Host::callShared(std::string_view className, std::string_view name,
                          const Values &arguments) {
-    const HostClass &type = classNamed(*this, className);
+    const HostClass &type = classNamed(classes(), className);
     const Method *method = type.sharedMethod(name, arguments.size());
     if (method == nullptr)
         noMethod(type, "shared method", name, arguments.size());
-    return perform([&] { return callSharedMethod(*this, type, *method, arguments); });
+    return perform([&] { return callSharedMethod(core(), type, *method, arguments); });
 }
 
 std::int64_t Host::constant(std::string_view className, std::string_view name) const {
-    const HostClass &type = classNamed(*this, className);
+    const HostClass &type = classNamed(classes(), className);
     if (const Constant *constant = type.constant(name))
         return constant->value;
     throw UsageError(type.name + " has no constant " + std::string(name));

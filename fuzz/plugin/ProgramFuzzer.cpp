@@ -4,6 +4,7 @@
 
 #include "FuzzedPlugin.h"
 
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 #include "host/program/Session.h"
 
@@ -157,7 +158,7 @@ bool writesPointers(std::string text) {
 
 /// What a program leaves in circles.
 void breakCircles() {
-    Heap &heap = plugin().host.heap();
+    Heap &heap = plugin().Core::current().heap;
     std::vector<ObjectHandle> handles;
     for (const Object *object : heap.liveObjects())
         handles.push_back(object->handle());

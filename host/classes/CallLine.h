@@ -3,7 +3,8 @@
 // One call by a plug-in into the host: its line in the trace, its place in the account and its
 // name in the histories of what it touches. Formats: host/core/Trace.h.
 
-#include "host/Host.h"
+#include "host/core/Core.h"
+#include "host/core/Text.h"
 #include "host/core/Trace.h"
 #include "host/memory/Heap.h"
 
@@ -24,22 +25,18 @@ enum class BooleanByte : std::uint8_t {};
 namespace callText {
 
 template <typename Argument>
-std::string show(Host &host, Argument argument, bool readable) {
+std::string show(Core &core, Argument argument, bool readable) {
     if constexpr (std::is_same_v<Argument, ObjectHandle> || std::is_same_v<Argument, StringHandle>)
-        return host.heap().name(argument);
+        return core.heap.name(argument);
     else if constexpr (std::is_same_v<Argument, const char *>)
         return argument == nullptr ? "nil" : readable ? inQuotes(argument) : "pointer";
     else if constexpr (std::is_same_v<Argument, PluginClassRecord *>)
         return argument == nullptr                      ? "nil"
                : !readable || argument->name == nullptr ? "pointer"
                                                         : inQuotes(argument->name);
-    else if constexpr (std::is_same_v<Argument, TextEncoding>) {
-        constexpr std::string_view digits = "0123456789ABCDEF";
-        std::string text = "0x";
-        for (int shift = 28; shift >= 0; shift -= 4)
-            text += digits[(static_cast<std::uint32_t>(argument) >> shift) & 15];
-        return text;
-    } else if constexpr (std::is_same_v<Argument, bool>)
+    else if constexpr (std::is_same_v<Argument, TextEncoding>)
+        return "0x" + hexadecimal(static_cast<std::uint32_t>(argument), 8);
+    else if constexpr (std::is_same_v<Argument, bool>)
         return argument ? "true" : "false";
     else if constexpr (std::is_same_v<Argument, BooleanByte>)
         return argument != BooleanByte{} ? "true" : "false";
@@ -53,7 +50,7 @@ std::string show(Host &host, Argument argument, bool readable) {
 
 /// Bytes are shown with the length that follows them.
 template <typename Tuple, std::size_t Place>
-std::string showAt(Host &host, const Tuple &arguments, bool readable) {
+std::string showAt(Core &core, const Tuple &arguments, bool readable) {
     using Argument = std::tuple_element_t<Place, Tuple>;
     if constexpr (std::is_same_v<Argument, const unsigned char *>) {
         const auto *bytes = std::get<Place>(arguments);
@@ -64,18 +61,18 @@ std::string showAt(Host &host, const Tuple &arguments, bool readable) {
                                                    static_cast<std::size_t>(length)})
                                        : "pointer";
     } else {
-        return show(host, std::get<Place>(arguments), readable);
+        return show(core, std::get<Place>(arguments), readable);
     }
 }
 
 template <typename... Arguments>
-std::string line(Host &host, std::string_view name, bool readable, Arguments... arguments) {
+std::string line(Core &core, std::string_view name, bool readable, Arguments... arguments) {
     const std::tuple<Arguments...> all(arguments...);
     std::string text(name);
     text += '(';
     [&]<std::size_t... Place>(std::index_sequence<Place...>) {
         ((text +=
-          (Place == 0 ? "" : ", ") + showAt<std::tuple<Arguments...>, Place>(host, all, readable)),
+          (Place == 0 ? "" : ", ") + showAt<std::tuple<Arguments...>, Place>(core, all, readable)),
          ...);
     }(std::index_sequence_for<Arguments...>{});
     return text + ')';
@@ -89,34 +86,34 @@ class CallLine {
 public:
     /// The name must live as long as the process.
     template <typename... Arguments>
-    CallLine(Host &host, const char *name, bool readable, Arguments... arguments)
-        : host_(host), acting_(host.heap(), name), traced_(host.tracer().on()) {
-        host.countCall();
+    CallLine(Core &core, const char *name, bool readable, Arguments... arguments)
+        : core_(core), acting_(core.heap, name), traced_(core.trace.on()) {
+        ++core.calls;
         if (traced_)
-            place_ = host.tracer().begin(callText::line(host, name, readable, arguments...));
+            place_ = core.trace.begin(callText::line(core, name, readable, arguments...));
     }
     CallLine(const CallLine &) = delete;
     CallLine &operator=(const CallLine &) = delete;
     ~CallLine() {
         if (traced_ && !done_)
-            host_.tracer().end(place_, " threw");
+            core_.trace.end(place_, " threw");
     }
 
     void done() {
         done_ = true;
         if (traced_)
-            host_.tracer().end(place_, "");
+            core_.trace.end(place_, "");
     }
     template <typename Result>
     Result result(Result value) {
         done_ = true;
         if (traced_)
-            host_.tracer().end(place_, " = " + callText::show(host_, value, true));
+            core_.trace.end(place_, " = " + callText::show(core_, value, true));
         return value;
     }
 
 private:
-    Host &host_;
+    Core &core_;
     Heap::Acting acting_;
     bool traced_;
     bool done_ = false;
@@ -135,16 +132,16 @@ template <FixedName Name, auto Body>
 struct HostMethod;
 
 template <FixedName Name, typename Result, typename... Arguments,
-          Result (*Body)(Host &, Arguments...)>
+          Result (*Body)(Core &, Arguments...)>
 struct HostMethod<Name, Body> {
     static Result enter(Arguments... arguments) {
-        Host &host = Host::current();
-        CallLine call(host, Name.text, true, arguments...);
+        Core &core = Core::current();
+        CallLine call(core, Name.text, true, arguments...);
         if constexpr (std::is_void_v<Result>) {
-            Body(host, arguments...);
+            Body(core, arguments...);
             call.done();
         } else {
-            return call.result(Body(host, arguments...));
+            return call.result(Body(core, arguments...));
         }
     }
 };

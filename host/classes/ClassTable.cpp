@@ -1,6 +1,6 @@
 #include "host/classes/ClassTable.h"
 
-#include "host/Host.h"
+#include "host/core/UsageError.h"
 #include "host/language/Names.h"
 
 #include <algorithm>
@@ -106,6 +106,22 @@ void ClassTable::hide(std::string_view name) {
 
 void ClassTable::show(std::string_view name) {
     std::erase(hidden_, foldedName(name));
+}
+
+const Method *ClassTable::global(const MethodDeclaration &signature) const {
+    const auto found = std::ranges::find_if(
+        globals_, [&](const Method &method) { return sameSignature(method.parsed, signature); });
+    return found == globals_.end() ? nullptr : &*found;
+}
+
+void ClassTable::showMethod(const MethodDeclaration &method) {
+    std::erase_if(hiddenMethods_,
+                  [&](const auto &hidden) { return sameSignature(hidden, method); });
+}
+
+bool ClassTable::isHidden(const MethodDeclaration &method) const {
+    return std::ranges::any_of(hiddenMethods_,
+                               [&](const auto &hidden) { return sameSignature(hidden, method); });
 }
 
 void ClassTable::placeData(std::string_view className, std::size_t offset) {

@@ -3,10 +3,12 @@
 // The classes that the host knows: its own, those registered by plug-ins and those added for
 // tests.
 
-#include "host/classes/Payload.h"
+#include "host/core/HostOptions.h"
 #include "host/core/PluginRecords.h"
 #include "host/language/Declaration.h"
+#include "host/language/Value.h"
 
+#include <any>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -18,7 +20,6 @@
 namespace host {
 
 struct Object;
-struct ClassSpec;
 
 struct Property {
     std::string name;
@@ -55,7 +56,7 @@ struct HostClass {
     std::size_t dataSize = 0;
     std::size_t dataOffset = objectHeaderSize;
     std::vector<std::byte> initialData = {};
-    Payload (*makePayload)() = nullptr;
+    std::any (*makePayload)() = nullptr; ///< what an instance keeps in C++; inherited
     void (*constructor)(ObjectHandle) = nullptr;
     void (*destructor)(ObjectHandle) = nullptr;
     std::vector<Property> properties = {};
@@ -92,6 +93,14 @@ public:
     void hide(std::string_view name);
     void show(std::string_view name);
 
+    void addGlobal(Method method) { globals_.push_back(std::move(method)); }
+    /// The global method, hidden or not; null when absent.
+    [[nodiscard]] const Method *global(const MethodDeclaration &signature) const;
+    /// Look-ups do not find a hidden declaration, neither as a class's method nor as a global one.
+    void hideMethod(MethodDeclaration method) { hiddenMethods_.push_back(std::move(method)); }
+    void showMethod(const MethodDeclaration &method);
+    [[nodiscard]] bool isHidden(const MethodDeclaration &method) const;
+
     /// Where the data of a plug-in's class is placed; objectHeaderSize unless stated.
     void placeData(std::string_view className, std::size_t offset);
     [[nodiscard]] std::size_t dataOffsetFor(std::string_view className) const;
@@ -104,6 +113,8 @@ private:
     std::vector<std::unique_ptr<HostClass>> classes_;
     std::map<std::string, HostClass *, std::less<>> byName_; ///< by folded name
     std::vector<std::string> hidden_;                        ///< folded
+    std::vector<Method> globals_;
+    std::vector<MethodDeclaration> hiddenMethods_;
     std::map<std::string, std::size_t, std::less<>> dataOffsets_;
 };
 

@@ -1,6 +1,7 @@
-#include "host/Host.h"
 #include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 
 #include <chrono>
 
@@ -24,9 +25,9 @@ DateParts normalized(const DateParts &parts) {
             time.hours().count(), time.minutes().count(), time.seconds().count()};
 }
 
-void construct(Host &host, ObjectHandle handle, std::int64_t year, std::int64_t month,
+void construct(Core &core, ObjectHandle handle, std::int64_t year, std::int64_t month,
                std::int64_t day, std::int64_t hour, std::int64_t minute, std::int64_t second) {
-    if (auto *parts = payloadOf<DateParts>(host.heap(), handle, "Date"))
+    if (auto *parts = payloadOf<DateParts>(core.heap, handle, "Date"))
         *parts = normalized({year, month, day, hour, minute, second});
 }
 
@@ -35,11 +36,11 @@ Property field(const char *name) {
     return {.name = name,
             .type = parseType("Integer"),
             .read = [](const Object &object) -> Value {
-                return std::get<DateParts>(object.payload).*Field;
+                return std::any_cast<const DateParts &>(object.payload).*Field;
             },
             .write =
                 [](Object &object, const Value &value) {
-                    auto &parts = std::get<DateParts>(object.payload);
+                    auto &parts = std::any_cast<DateParts &>(object.payload);
                     parts.*Field = value.integer();
                     parts = normalized(parts);
                 }};
@@ -49,7 +50,7 @@ Property field(const char *name) {
 
 void addDate(ClassTable &classes) {
     HostClass type{.name = "Date",
-                   .makePayload = [] { return Payload(DateParts{2000, 1, 1, 0, 0, 0}); }};
+                   .makePayload = [] { return std::any(DateParts{2000, 1, 1, 0, 0, 0}); }};
     type.methods = {
         nativeMethod("Year As Integer, Month As Integer = 1, Day As Integer = 1, "
                      "Hour As Integer = 0, Minute As Integer = 0, Second As Integer = 0",
@@ -61,7 +62,7 @@ void addDate(ClassTable &classes) {
 }
 
 DateParts dateParts(ObjectHandle date) {
-    return inspected<DateParts>(Host::current().heap(), date, "Date");
+    return inspected<DateParts>(Core::current().heap, date, "Date");
 }
 
 } // namespace host

@@ -1,6 +1,5 @@
 #include "host/classes/Description.h"
 
-#include "host/Host.h"
 #include "host/classes/ClassTable.h"
 #include "host/core/Json.h"
 
@@ -151,11 +150,11 @@ Json classAsJson(const HostClass &type) {
 
 } // namespace
 
-std::string describeClasses(const Host &host, DescriptionFormat format) {
-    const std::vector<const HostClass *> classes = host.classes().registered();
+std::string describeClasses(const ClassTable &table, DescriptionFormat format) {
+    const std::vector<const HostClass *> classes = table.registered();
     switch (format) {
     case DescriptionFormat::json:
-        return jsonText(classesAsJson(host));
+        return jsonText(classesAsJson(table));
     case DescriptionFormat::markdown:
         return asMarkdown(classes);
     case DescriptionFormat::text:
@@ -165,9 +164,9 @@ std::string describeClasses(const Host &host, DescriptionFormat format) {
     return asText(classes);
 }
 
-Json classesAsJson(const Host &host) {
+Json classesAsJson(const ClassTable &table) {
     Json array = Json::array();
-    for (const HostClass *type : host.classes().registered())
+    for (const HostClass *type : table.registered())
         array.push_back(classAsJson(*type));
     return array;
 }

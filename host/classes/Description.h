@@ -8,14 +8,14 @@
 
 namespace host {
 
-class Host;
+class ClassTable;
 
 enum class DescriptionFormat { text, json, markdown, html };
 
 /// Every registered class in order of registration, every row in table order. There is no HTML of
 /// them alone: that is the text.
-std::string describeClasses(const Host &host, DescriptionFormat format);
+std::string describeClasses(const ClassTable &classes, DescriptionFormat format);
 /// The same as an array.
-Json classesAsJson(const Host &host);
+Json classesAsJson(const ClassTable &classes);
 
 } // namespace host

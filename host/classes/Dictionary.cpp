@@ -1,6 +1,11 @@
-#include "host/Host.h"
 #include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Exceptions.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
+#include "host/core/Text.h"
+#include "host/memory/Heap.h"
 
 #include <cmath>
 
@@ -22,17 +27,17 @@ std::string identityOf(const Value &key) {
         }
         std::string operator()(bool truth) const { return truth ? "true" : "false"; }
         std::string operator()(const StringRef &string) const {
-            return '"' + Host::current().text(string.handle());
+            return '"' + textOf(string.handle());
         }
         std::string operator()(const ObjectRef &object) const {
-            return Host::current().name(object.handle());
+            return Core::current().heap.name(object.handle());
         }
     };
     return std::visit(Identity{}, static_cast<const ValueAlternatives &>(key));
 }
 
-bool isUsable(Host &host, ObjectHandle handle) {
-    return handle == nullptr || host.heap().check(handle) != nullptr;
+bool isUsable(Core &core, ObjectHandle handle) {
+    return handle == nullptr || core.heap.check(handle) != nullptr;
 }
 
 /// A reference for the plug-in to a stored value.
@@ -40,9 +45,9 @@ ObjectHandle handOut(const Value &stored) {
     return stored.object().release();
 }
 
-void setValue(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHandle value) {
-    auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
-    if (data == nullptr || !isUsable(host, key) || !isUsable(host, value))
+void setValue(Core &core, ObjectHandle handle, ObjectHandle key, ObjectHandle value) {
+    auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
+    if (data == nullptr || !isUsable(core, key) || !isUsable(core, value))
         return;
     const auto [place, added] =
         data->places.try_emplace(identityOf(unboxed(key)), data->entries.size());
@@ -52,37 +57,37 @@ void setValue(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHandle va
         data->entries[place->second].second = Value(ObjectRef::share(value));
 }
 
-ObjectHandle value(Host &host, ObjectHandle handle, ObjectHandle key) {
-    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
-    if (data == nullptr || !isUsable(host, key))
+ObjectHandle value(Core &core, ObjectHandle handle, ObjectHandle key) {
+    const auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
+    if (data == nullptr || !isUsable(core, key))
         return nullptr;
     const Value wanted = unboxed(key);
     const auto place = data->places.find(identityOf(wanted));
     if (place != data->places.end())
         return handOut(data->entries[place->second].second);
-    raiseNew(host, "KeyNotFoundException", "no key " + describe(wanted));
+    raiseNew(core, "KeyNotFoundException", "no key " + describe(wanted));
     return nullptr;
 }
 
-ObjectHandle keyAt(Host &host, ObjectHandle handle, std::int64_t index) {
-    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+ObjectHandle keyAt(Core &core, ObjectHandle handle, std::int64_t index) {
+    const auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
     if (data == nullptr)
         return nullptr;
     if (index >= 0 && static_cast<std::uint64_t>(index) < data->entries.size())
         return handOut(data->entries[static_cast<std::size_t>(index)].first);
-    raiseNew(host, "OutOfBoundsException", "no key at " + std::to_string(index));
+    raiseNew(core, "OutOfBoundsException", "no key at " + std::to_string(index));
     return nullptr;
 }
 
-bool hasKey(Host &host, ObjectHandle handle, ObjectHandle key) {
-    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
-    return data != nullptr && isUsable(host, key) &&
+bool hasKey(Core &core, ObjectHandle handle, ObjectHandle key) {
+    const auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
+    return data != nullptr && isUsable(core, key) &&
            data->places.contains(identityOf(unboxed(key)));
 }
 
-ObjectHandle lookup(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHandle otherwise) {
-    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
-    if (data == nullptr || !isUsable(host, key) || !isUsable(host, otherwise))
+ObjectHandle lookup(Core &core, ObjectHandle handle, ObjectHandle key, ObjectHandle otherwise) {
+    const auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
+    if (data == nullptr || !isUsable(core, key) || !isUsable(core, otherwise))
         return nullptr;
     const auto place = data->places.find(identityOf(unboxed(key)));
     return place != data->places.end() ? handOut(data->entries[place->second].second)
@@ -91,25 +96,26 @@ ObjectHandle lookup(Host &host, ObjectHandle handle, ObjectHandle key, ObjectHan
 
 /// In order of insertion.
 template <Value std::pair<Value, Value>::*Half>
-ObjectHandle arrayOf(Host &host, ObjectHandle handle) {
-    const auto *data = payloadOf<DictionaryData>(host.heap(), handle, "Dictionary");
+ObjectHandle arrayOf(Core &core, ObjectHandle handle) {
+    const auto *data = payloadOf<DictionaryData>(core.heap, handle, "Dictionary");
     if (data == nullptr)
         return nullptr;
     ObjectRef array = makeArray(objectElements);
-    auto &elements = std::get<ArrayData>(host.heap().find(array.handle())->payload).elements;
+    auto &elements = std::any_cast<ArrayData &>(core.heap.find(array.handle())->payload).elements;
     for (const auto &entry : data->entries)
         elements.push_back(entry.*Half);
     return array.release();
 }
 
 Value count(const Object &object) {
-    return static_cast<std::int64_t>(std::get<DictionaryData>(object.payload).entries.size());
+    return static_cast<std::int64_t>(
+        std::any_cast<const DictionaryData &>(object.payload).entries.size());
 }
 
 } // namespace
 
 void addDictionary(ClassTable &classes) {
-    HostClass type{.name = "Dictionary", .makePayload = [] { return Payload(DictionaryData{}); }};
+    HostClass type{.name = "Dictionary", .makePayload = [] { return std::any(DictionaryData{}); }};
     type.methods = {
         nativeMethod("Value(key As Variant, Assigns value As Variant)",
                      hostMethod<"Dictionary.Value", setValue>()),
@@ -129,13 +135,13 @@ void addDictionary(ClassTable &classes) {
 }
 
 std::vector<std::pair<Value, Value>> dictionaryObjects(ObjectHandle dictionary) {
-    return inspected<DictionaryData>(Host::current().heap(), dictionary, "Dictionary").entries;
+    return inspected<DictionaryData>(Core::current().heap, dictionary, "Dictionary").entries;
 }
 
 std::vector<std::pair<Value, Value>> dictionaryEntries(ObjectHandle dictionary) {
     std::vector<std::pair<Value, Value>> result;
     for (const auto &[key, stored] :
-         inspected<DictionaryData>(Host::current().heap(), dictionary, "Dictionary").entries)
+         inspected<DictionaryData>(Core::current().heap, dictionary, "Dictionary").entries)
         result.emplace_back(unboxed(key.object()), unboxed(stored.object()));
     return result;
 }

@@ -1,7 +1,12 @@
-#include "host/Host.h"
+#include "host/classes/Exceptions.h"
+
 #include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/classes/ClassTable.h"
 #include "host/classes/Instances.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
+#include "host/memory/Heap.h"
 
 #include <array>
 
@@ -10,23 +15,23 @@ namespace host {
 namespace {
 
 Value message(const Object &object) {
-    return std::get<ExceptionData>(object.payload).message;
+    return std::any_cast<const ExceptionData &>(object.payload).message;
 }
 
 void setMessage(Object &object, const Value &value) {
-    std::get<ExceptionData>(object.payload).message = value.string();
+    std::any_cast<ExceptionData &>(object.payload).message = value.string();
 }
 
 Value errorNumber(const Object &object) {
-    return std::get<ExceptionData>(object.payload).errorNumber;
+    return std::any_cast<const ExceptionData &>(object.payload).errorNumber;
 }
 
 void setErrorNumber(Object &object, const Value &value) {
-    std::get<ExceptionData>(object.payload).errorNumber = value.integer();
+    std::any_cast<ExceptionData &>(object.payload).errorNumber = value.integer();
 }
 
-void construct(Host &host, ObjectHandle handle, StringHandle text, std::int64_t number) {
-    if (auto *data = payloadOf<ExceptionData>(host.heap(), handle, "RuntimeException"))
+void construct(Core &core, ObjectHandle handle, StringHandle text, std::int64_t number) {
+    if (auto *data = payloadOf<ExceptionData>(core.heap, handle, "RuntimeException"))
         *data = {.message = StringRef::share(text), .errorNumber = number};
 }
 
@@ -40,7 +45,7 @@ constexpr std::array<const char *, 7> derivedExceptions{
 
 void addExceptions(ClassTable &classes) {
     HostClass base{.name = "RuntimeException",
-                   .makePayload = [] { return Payload(ExceptionData{}); }};
+                   .makePayload = [] { return std::any(ExceptionData{}); }};
     base.properties = {
         Property{
             .name = "Message", .type = parseType("String"), .read = message, .write = setMessage},
@@ -56,11 +61,23 @@ void addExceptions(ClassTable &classes) {
         classes.add(HostClass{.name = name, .superclass = &superclass});
 }
 
-void raiseNew(Host &host, std::string_view className, std::string_view text) {
-    Object *exception = instantiate(host, *host.classes().findAny(className));
+void raise(Core &core, ObjectHandle exception) {
+    const Object *object = core.heap.check(exception);
+    if (object == nullptr)
+        return;
+    if (!object->type->isKindOf(*core.classes.findAny("RuntimeException"))) {
+        core.heap.violation("got " + Heap::name(*object) + ", which is no exception (" +
+                            object->history.text() + ")");
+        return;
+    }
+    core.pending.set(ObjectRef::share(exception));
+}
+
+void raiseNew(Core &core, std::string_view className, std::string_view text) {
+    Object *exception = instantiate(core, *core.classes.findAny(className));
     const ObjectRef owner = ObjectRef::adopt(exception->handle());
     setMessage(*exception, Value(text));
-    host.raise(owner.handle());
+    raise(core, owner.handle());
 }
 
 } // namespace host

@@ -1,9 +1,10 @@
-#include "host/Host.h"
 #include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/classes/ClassTable.h"
 #include "host/classes/Instances.h"
+#include "host/core/Core.h"
 #include "host/language/Encodings.h"
-#include "host/services/ServiceBodies.h"
+#include "host/memory/Heap.h"
 
 #include <CoreServices/CoreServices.h>
 
@@ -19,8 +20,8 @@ constexpr std::string_view className = "FolderItem";
 /// The path mode of native POSIX paths, the only one that the host offers.
 constexpr std::int64_t nativePathMode = 3;
 
-ObjectHandle makeItem(Host &host, FolderContent content) {
-    Object *item = instantiate(host, *host.classes().findAny(className));
+ObjectHandle makeItem(Core &core, FolderContent content) {
+    Object *item = instantiate(core, *core.classes.findAny(className));
     item->payload = std::move(content);
     return item->handle();
 }
@@ -36,41 +37,42 @@ std::string posixName(std::u16string name) {
     return utf8From(name);
 }
 
-ObjectHandle trueFolderItem(Host &host, StringHandle path, std::int64_t pathMode) {
-    const String *string = host.heap().check(path);
+ObjectHandle trueFolderItem(Core &core, StringHandle path, std::int64_t pathMode) {
+    const String *string = core.heap.check(path);
     if (string == nullptr)
         return nullptr;
     if (pathMode != nativePathMode) {
-        host.heap().violation("got the path mode " + std::to_string(pathMode) +
-                              ", but the path is a native one (mode 3)");
+        core.heap.violation("got the path mode " + std::to_string(pathMode) +
+                            ", but the path is a native one (mode 3)");
         return nullptr;
     }
-    return makeItem(host, {.fromParent = false,
+    return makeItem(core, {.fromParent = false,
                            .pathMode = pathMode,
                            .path = toUtf8(string->bytes, string->encoding)});
 }
 
 Value nativePath(const Object &object) {
-    return std::string_view(std::get<FolderContent>(object.payload).path.native());
+    return std::string_view(std::any_cast<const FolderContent &>(object.payload).path.native());
 }
 
 Value name(const Object &object) {
-    const auto &content = std::get<FolderContent>(object.payload);
+    const auto &content = std::any_cast<const FolderContent &>(object.payload);
     return std::string_view(content.path.filename().native());
 }
 
 Value exists(const Object &object) {
     std::error_code ignored;
-    return std::filesystem::exists(std::get<FolderContent>(object.payload).path, ignored);
+    return std::filesystem::exists(std::any_cast<const FolderContent &>(object.payload).path,
+                                   ignored);
 }
 
 } // namespace
 
 namespace services {
 
-ObjectHandle folderItemFromParent(Host &host, const void *parentReference, const void *name) {
+ObjectHandle folderItemFromParent(Core &core, const void *parentReference, const void *name) {
     if (parentReference == nullptr || name == nullptr) {
-        host.heap().violation("got no parent folder or no name");
+        core.heap.violation("got no parent folder or no name");
         return nullptr;
     }
     FSRef parent;
@@ -84,15 +86,15 @@ ObjectHandle folderItemFromParent(Host &host, const void *parentReference, const
         FSRefMakePath(&parent, reinterpret_cast<UInt8 *>(path.data()), path.size());
 #pragma clang diagnostic pop
     if (status != 0 || given.length > std::size(given.unicode)) {
-        host.heap().violation(status != 0
-                                  ? "got a parent folder that the File Manager refuses (error " +
-                                        std::to_string(status) + ")"
-                                  : "got a name of " + std::to_string(given.length) + " units");
+        core.heap.violation(status != 0
+                                ? "got a parent folder that the File Manager refuses (error " +
+                                      std::to_string(status) + ")"
+                                : "got a name of " + std::to_string(given.length) + " units");
         return nullptr;
     }
     std::u16string units(given.unicode, given.unicode + given.length);
     std::filesystem::path whole = std::filesystem::path(path.data()) / posixName(units);
-    return makeItem(host, {.fromParent = true,
+    return makeItem(core, {.fromParent = true,
                            .pathMode = 0,
                            .parent = path.data(),
                            .name = std::move(units),
@@ -108,7 +110,7 @@ Method trueFolderItemMethod() {
 
 void addFolderItem(ClassTable &classes) {
     HostClass type{.name = std::string(className),
-                   .makePayload = [] { return Payload(FolderContent{}); }};
+                   .makePayload = [] { return std::any(FolderContent{}); }};
     type.properties = {
         Property{.name = "NativePath", .type = parseType("String"), .read = nativePath},
         Property{.name = "Name", .type = parseType("String"), .read = name},
@@ -118,7 +120,7 @@ void addFolderItem(ClassTable &classes) {
 }
 
 FolderContent folderItem(ObjectHandle item) {
-    return inspected<FolderContent>(Host::current().heap(), item, className);
+    return inspected<FolderContent>(Core::current().heap, item, className);
 }
 
 } // namespace host

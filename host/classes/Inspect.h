@@ -9,7 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -68,5 +70,16 @@ struct FolderContent {
     std::filesystem::path path = {};
 };
 FolderContent folderItem(ObjectHandle item);
+
+/// "String", "Integer", "Double", "Boolean", "UInt32", "Single"
+std::string_view nameOf(VariantType type);
+/// 2013-04-12 18:30:00
+std::string describe(const DateParts &date);
+/// A value with all that it holds (not itself), on one line: nil, "a", Integer(1), [Double(1.5),
+/// nil], {String("key"): Integer(2)}, Date(2013-04-12 18:30:00), MemoryBlock("abc"),
+/// FolderItem(/tmp). Strings by their bytes, followed by " undeclared" or the encoding if it is not
+/// UTF-8. Other objects as the function says, else by the name of their class.
+std::string describeDeep(const Value &value,
+                         const std::function<std::string(ObjectHandle)> &other = {});
 
 } // namespace host

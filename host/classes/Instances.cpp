@@ -1,6 +1,5 @@
 #include "host/classes/Instances.h"
 
-#include "host/Host.h"
 #include "host/core/PluginCall.h"
 #include "host/language/Names.h"
 
@@ -36,18 +35,33 @@ private:
     ObjectHandle handle_;
 };
 
+std::any payloadOf(const HostClass *type) {
+    while (type != nullptr && type->makePayload == nullptr)
+        type = type->superclass;
+    return type == nullptr ? std::any{} : type->makePayload();
+}
+
 } // namespace
 
-Object *instantiate(Host &host, const HostClass &type) {
-    Object &object = host.heap().makeObject(type);
+Object &makeObject(Core &core, const HostClass &type) {
+    return core.heap.makeObject(type,
+                                {.className = type.name,
+                                 .initialData = type.initialData,
+                                 .dataSize = type.dataSize,
+                                 .dataOffset = type.dataOffset},
+                                payloadOf(&type));
+}
+
+Object *instantiate(Core &core, const HostClass &type) {
+    Object &object = makeObject(core, type);
     const ObjectHandle handle = object.handle();
-    Unfinished unfinished(host.heap(), handle);
+    Unfinished unfinished(core.heap, handle);
     runConstructors(&type, handle);
     unfinished.finish();
     // Looked up again: the constructor may have released the object.
-    Object *const made = host.heap().find(handle);
+    Object *const made = core.heap.find(handle);
     if (made == nullptr || made->life != Life::alive) {
-        host.heap().violation("the constructor of " + type.name + " released its own object");
+        core.heap.violation("the constructor of " + type.name + " released its own object");
         return nullptr;
     }
     made->finished = true;

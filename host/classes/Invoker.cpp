@@ -1,8 +1,10 @@
 #include "host/classes/Invoker.h"
 
-#include "host/Host.h"
 #include "host/classes/Builtins.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
 #include "host/core/PluginCall.h"
+#include "host/core/UsageError.h"
 #include "host/language/Names.h"
 
 #include <ffi.h>
@@ -76,21 +78,21 @@ double realFor(const Value &value, const Type &type) {
 }
 
 /// Whether a declaration of this type admits the object.
-bool admits(const Host &host, const Type &type, const Object &object) {
+bool admits(const Core &core, const Type &type, const Object &object) {
     if (type.isArray || object.type->name == arrayClassName) {
-        const auto *array = std::get_if<ArrayData>(&object.payload);
+        const auto *array = std::any_cast<ArrayData>(&object.payload);
         return type.isArray && array != nullptr &&
                (array->elementType == stringElements) == (type.kind == TypeKind::string);
     }
     if (type.kind == TypeKind::variant)
         return true;
-    const HostClass *wanted = host.classes().findAny(type.className);
+    const HostClass *wanted = core.classes.findAny(type.className);
     return type.kind == TypeKind::object && wanted != nullptr && object.type->isKindOf(*wanted);
 }
 
 /// Puts a value where libffi or an instance field takes it from. Temporary Variants for plain
 /// values stay in "held".
-Slot toSlot(Host &host, const Value &value, const Type &type, std::deque<ObjectRef> &held) {
+Slot toSlot(Core &core, const Value &value, const Type &type, std::deque<ObjectRef> &held) {
     Slot slot{};
     if (type.isHandle()) {
         if (value.isNil())
@@ -108,8 +110,8 @@ Slot toSlot(Host &host, const Value &value, const Type &type, std::deque<ObjectR
             held.push_back(*given);
         else
             misfit(value, type);
-        const Object *object = host.heap().find(held.back().handle());
-        if (object == nullptr || !admits(host, type, *object))
+        const Object *object = core.heap.find(held.back().handle());
+        if (object == nullptr || !admits(core, type, *object))
             misfit(value, type);
         slot.pointer = held.back().handle();
         return slot;
@@ -148,23 +150,23 @@ Slot toSlot(Host &host, const Value &value, const Type &type, std::deque<ObjectR
 }
 
 /// An object or string that a plug-in's function returned: its reference becomes the host's.
-Value adoptResult(Host &host, void *pointer, const Type &type) {
+Value adoptResult(Core &core, void *pointer, const Type &type) {
     if (pointer == nullptr)
         return {};
     if (type.kind == TypeKind::string && !type.isArray)
         return StringRef::adopt(static_cast<StringHandle>(pointer));
     ObjectRef object = ObjectRef::adopt(static_cast<ObjectHandle>(pointer));
-    if (object.handle() != nullptr && !admits(host, type, *host.heap().find(object.handle()))) {
-        host.heap().violation("returned " + host.heap().name(object.handle()) +
-                              " where the declaration says " + describe(type));
+    if (object.handle() != nullptr && !admits(core, type, *core.heap.find(object.handle()))) {
+        core.heap.violation("returned " + core.heap.name(object.handle()) +
+                            " where the declaration says " + describe(type));
         return {};
     }
     return object;
 }
 
-Value fromSlot(Host &host, const Slot &slot, const Type &type) {
+Value fromSlot(Core &core, const Slot &slot, const Type &type) {
     if (type.isHandle())
-        return adoptResult(host, slot.pointer, type);
+        return adoptResult(core, slot.pointer, type);
     switch (type.kind) {
     case TypeKind::boolean:
         return slot.byte != 0;
@@ -207,14 +209,14 @@ public:
     using Kind = PluginCall::Kind;
 
     /// What the callee does is filed under the member's name. Both must live as long as the host.
-    Call(Host &host, const HostClass &type, const std::string &member, Kind kind = Kind::member)
-        : host_(host), acting_(host.heap(), member.c_str()), type_(type), member_(member),
+    Call(Core &core, const HostClass &type, const std::string &member, Kind kind = Kind::member)
+        : core_(core), acting_(core.heap, member.c_str()), type_(type), member_(member),
           kind_(kind) {}
 
     void addHandle(ObjectHandle handle) { next(&ffi_type_pointer).pointer = handle; }
     void addInteger(std::int64_t number) { next(&ffi_type_sint64).integer = number; }
     void add(const Value &value, const Type &type) {
-        Slot slot = toSlot(host_, value, type, held_);
+        Slot slot = toSlot(core_, value, type, held_);
         next(ffiTypeOf(type)) = slot;
     }
     void addAll(const std::vector<Parameter> &parameters, const Values &values);
@@ -238,7 +240,7 @@ private:
     }
     void fillRegisters();
 
-    Host &host_;
+    Core &core_;
     Heap::Acting acting_;
     const HostClass &type_;
     const std::string &member_;
@@ -305,86 +307,86 @@ Value Call::run(void *function, const std::optional<Type> &result) {
     ffi_call(&interface, FFI_FN(function), &answer, values.data());
     pluginCall.done();
     if (result && !result->isArray && isRegisterFiller(answer, *result))
-        host_.heap().violation("returned what the host had left in a register where the "
-                               "declaration says " +
-                               describe(*result));
-    return result ? fromSlot(host_, answer, *result) : Value{};
+        core_.heap.violation("returned what the host had left in a register where the "
+                             "declaration says " +
+                             describe(*result));
+    return result ? fromSlot(core_, answer, *result) : Value{};
 }
 
 std::byte *fieldOf(Object &object, const Property &property) {
     return object.data() + property.parameter;
 }
 
-Value readField(Host &host, Object &object, const Property &property) {
+Value readField(Core &core, Object &object, const Property &property) {
     Slot slot{};
     std::memcpy(&slot, fieldOf(object, property), widthOf(property.type));
     if (!property.type.isHandle())
-        return fromSlot(host, slot, property.type);
+        return fromSlot(core, slot, property.type);
     // The field keeps its reference; the program gets one of its own.
     if (property.type.kind == TypeKind::string)
         return StringRef::share(static_cast<StringHandle>(slot.pointer));
     return ObjectRef::share(static_cast<ObjectHandle>(slot.pointer));
 }
 
-void writeField(Host &host, Object &object, const Property &property, const Value &value) {
+void writeField(Core &core, Object &object, const Property &property, const Value &value) {
     std::deque<ObjectRef> held;
-    Slot slot = toSlot(host, value, property.type, held);
+    Slot slot = toSlot(core, value, property.type, held);
     Slot old{};
     std::memcpy(&old, fieldOf(object, property), widthOf(property.type));
     // References in fields are the plug-in's: its destructor gives them back.
     if (property.type.isHandle()) {
         if (property.type.kind == TypeKind::string) {
             if (slot.pointer != nullptr)
-                host.heap().lock(static_cast<StringHandle>(slot.pointer));
+                core.heap.lock(static_cast<StringHandle>(slot.pointer));
         } else if (slot.pointer != nullptr) {
-            host.heap().lock(static_cast<ObjectHandle>(slot.pointer));
+            core.heap.lock(static_cast<ObjectHandle>(slot.pointer));
         }
     }
     std::memcpy(fieldOf(object, property), &slot, widthOf(property.type));
     if (!property.type.isHandle() || old.pointer == nullptr)
         return;
     if (property.type.kind == TypeKind::string)
-        host.heap().unlock(static_cast<StringHandle>(old.pointer));
+        core.heap.unlock(static_cast<StringHandle>(old.pointer));
     else
-        host.heap().unlock(static_cast<ObjectHandle>(old.pointer));
+        core.heap.unlock(static_cast<ObjectHandle>(old.pointer));
 }
 
 } // namespace
 
-Value callMethod(Host &host, const Method &method, Object &object, const Values &arguments) {
-    Call call(host, *object.type, method.parsed.name);
+Value callMethod(Core &core, const Method &method, Object &object, const Values &arguments) {
+    Call call(core, *object.type, method.parsed.name);
     call.addHandle(object.handle());
     call.addAll(method.parsed.parameters, arguments);
     return call.run(method.function, method.parsed.result);
 }
 
-Value callSharedMethod(Host &host, const HostClass &type, const Method &method,
+Value callSharedMethod(Core &core, const HostClass &type, const Method &method,
                        const Values &arguments) {
-    Call call(host, type, method.parsed.name);
+    Call call(core, type, method.parsed.name);
     call.addAll(method.parsed.parameters, arguments);
     return call.run(method.function, method.parsed.result);
 }
 
-Value readProperty(Host &host, Object &object, const Property &property) {
+Value readProperty(Core &core, Object &object, const Property &property) {
     if (property.read != nullptr)
         return property.read(object);
     if (property.isField())
-        return readField(host, object, property);
-    Call call(host, *object.type, property.name);
+        return readField(core, object, property);
+    Call call(core, *object.type, property.name);
     call.addHandle(object.handle());
     call.addInteger(property.parameter);
     return call.run(property.getter, property.type);
 }
 
-void writeProperty(Host &host, Object &object, const Property &property, const Value &value) {
+void writeProperty(Core &core, Object &object, const Property &property, const Value &value) {
     if (!property.isWritable())
         throw UsageError(object.type->name + '.' + property.name + " is read-only");
     if (property.write != nullptr) {
         property.write(object, value);
     } else if (property.isField()) {
-        writeField(host, object, property, value);
+        writeField(core, object, property, value);
     } else {
-        Call call(host, *object.type, property.name, PluginCall::Kind::setter);
+        Call call(core, *object.type, property.name, PluginCall::Kind::setter);
         call.addHandle(object.handle());
         call.addInteger(property.parameter);
         call.add(value, property.type);

@@ -17,19 +17,18 @@
 // that a function which takes more than it declares, or answers in another register, is noticed.
 
 #include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 #include "host/language/Value.h"
 #include "host/memory/Heap.h"
 
 namespace host {
 
-class Host;
-
 /// Missing arguments take the declaration's defaults.
-Value callMethod(Host &host, const Method &method, Object &object, const Values &arguments);
-Value callSharedMethod(Host &host, const HostClass &type, const Method &method,
+Value callMethod(Core &core, const Method &method, Object &object, const Values &arguments);
+Value callSharedMethod(Core &core, const HostClass &type, const Method &method,
                        const Values &arguments);
 
-Value readProperty(Host &host, Object &object, const Property &property);
-void writeProperty(Host &host, Object &object, const Property &property, const Value &value);
+Value readProperty(Core &core, Object &object, const Property &property);
+void writeProperty(Core &core, Object &object, const Property &property, const Value &value);
 
 } // namespace host

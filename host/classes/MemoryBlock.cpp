@@ -1,8 +1,11 @@
-#include "host/Host.h"
 #include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Exceptions.h"
 #include "host/classes/Instances.h"
-#include "host/services/ServiceBodies.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
+#include "host/memory/Heap.h"
 
 #include <cstdlib>
 
@@ -13,83 +16,83 @@ namespace {
 constexpr std::string_view className = "MemoryBlock";
 
 /// Zero-filled; false when there is no such memory.
-bool allocate(Host &host, MemoryData &data, std::uint64_t size) {
-    if (size > host.options().memoryBlockLimit)
+bool allocate(Core &core, MemoryData &data, std::uint64_t size) {
+    if (size > core.options.memoryBlockLimit)
         return false;
     // calloc leaves large blocks to the kernel, which gives pages when they are touched.
-    data.bytes.reset(static_cast<std::byte *>(std::calloc(size == 0 ? 1 : size, 1)));
+    data.bytes.reset(static_cast<std::byte *>(std::calloc(size == 0 ? 1 : size, 1)), std::free);
     data.size = data.bytes == nullptr ? 0 : size;
     return data.bytes != nullptr;
 }
 
-void construct(Host &host, ObjectHandle handle, std::int64_t size) {
-    auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+void construct(Core &core, ObjectHandle handle, std::int64_t size) {
+    auto *data = payloadOf<MemoryData>(core.heap, handle, className);
     if (data == nullptr)
         return;
     if (size < 0)
-        raiseNew(host, "OutOfBoundsException",
+        raiseNew(core, "OutOfBoundsException",
                  "a memory block of " + std::to_string(size) + " bytes");
-    else if (!allocate(host, *data, static_cast<std::uint64_t>(size)))
-        raiseNew(host, "OutOfMemoryException",
+    else if (!allocate(core, *data, static_cast<std::uint64_t>(size)))
+        raiseNew(core, "OutOfMemoryException",
                  "no memory for a block of " + std::to_string(size) + " bytes");
 }
 
-void *convertToPointer(Host &host, ObjectHandle handle) {
-    return services::pointerOfMemoryBlock(host, handle);
+void *convertToPointer(Core &core, ObjectHandle handle) {
+    return services::pointerOfMemoryBlock(core, handle);
 }
 
 /// The byte at the index; null, after an exception, past the end.
-std::byte *byteAt(Host &host, ObjectHandle handle, std::int64_t index) {
-    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+std::byte *byteAt(Core &core, ObjectHandle handle, std::int64_t index) {
+    const auto *data = payloadOf<MemoryData>(core.heap, handle, className);
     if (data == nullptr)
         return nullptr;
     if (index >= 0 && static_cast<std::uint64_t>(index) < data->size)
         return data->bytes.get() + index;
-    raiseNew(host, "OutOfBoundsException",
+    raiseNew(core, "OutOfBoundsException",
              "byte " + std::to_string(index) + " of a memory block of " +
                  std::to_string(data->size) + " bytes");
     return nullptr;
 }
 
-std::int64_t getByte(Host &host, ObjectHandle handle, std::int64_t index) {
-    const std::byte *byte = byteAt(host, handle, index);
+std::int64_t getByte(Core &core, ObjectHandle handle, std::int64_t index) {
+    const std::byte *byte = byteAt(core, handle, index);
     return byte == nullptr ? 0 : std::to_integer<std::int64_t>(*byte);
 }
 
 /// The lowest eight bits.
-void setByte(Host &host, ObjectHandle handle, std::int64_t index, std::int64_t value) {
-    if (std::byte *byte = byteAt(host, handle, index))
+void setByte(Core &core, ObjectHandle handle, std::int64_t index, std::int64_t value) {
+    if (std::byte *byte = byteAt(core, handle, index))
         *byte = static_cast<std::byte>(value);
 }
 
 Value size(const Object &object) {
-    return static_cast<std::int64_t>(std::get<MemoryData>(object.payload).size);
+    return static_cast<std::int64_t>(std::any_cast<const MemoryData &>(object.payload).size);
 }
 
 } // namespace
 
 namespace services {
 
-ObjectHandle newMemoryBlock(Host &host, std::int32_t size) {
+ObjectHandle newMemoryBlock(Core &core, std::int32_t size) {
     if (size < 0) {
-        host.heap().violation("got the size " + std::to_string(size));
+        core.heap.violation("got the size " + std::to_string(size));
         return nullptr;
     }
     MemoryData data;
-    if (!allocate(host, data, static_cast<std::uint64_t>(size)))
+    if (!allocate(core, data, static_cast<std::uint64_t>(size)))
         return nullptr;
-    Object *block = instantiate(host, *host.classes().findAny(className));
+    Object *block = instantiate(core, *core.classes.findAny(className));
     block->payload = std::move(data);
     return block->handle();
 }
 
-void *pointerOfMemoryBlock(Host &host, ObjectHandle handle) {
-    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+void *pointerOfMemoryBlock(Core &core, ObjectHandle handle) {
+    const auto *data = payloadOf<MemoryData>(core.heap, handle, className);
     return data == nullptr ? nullptr : data->bytes.get();
 }
 
-std::int64_t sizeOfMemoryBlock(Host &host, ObjectHandle handle) {
-    const auto *data = payloadOf<MemoryData>(host.heap(), handle, className);
+std::int64_t sizeOfMemoryBlock(Core &core, ObjectHandle handle) {
+    const auto *data = payloadOf<MemoryData>(core.heap, handle, className);
     return data == nullptr ? 0 : static_cast<std::int64_t>(data->size);
 }
 
@@ -97,7 +100,7 @@ std::int64_t sizeOfMemoryBlock(Host &host, ObjectHandle handle) {
 
 void addMemoryBlock(ClassTable &classes) {
     HostClass type{.name = std::string(className),
-                   .makePayload = [] { return Payload(MemoryData{}); }};
+                   .makePayload = [] { return std::any(MemoryData{}); }};
     type.methods = {
         nativeMethod("Constructor(bytes As Integer)",
                      hostMethod<"MemoryBlock.Constructor", construct>()),
@@ -113,12 +116,12 @@ void addMemoryBlock(ClassTable &classes) {
 }
 
 std::string memoryBlockBytes(ObjectHandle block) {
-    const auto &data = inspected<MemoryData>(Host::current().heap(), block, className);
+    const auto &data = inspected<MemoryData>(Core::current().heap, block, className);
     return {reinterpret_cast<const char *>(data.bytes.get()), data.size};
 }
 
 std::uint64_t memoryBlockSize(ObjectHandle block) {
-    return inspected<MemoryData>(Host::current().heap(), block, className).size;
+    return inspected<MemoryData>(Core::current().heap, block, className).size;
 }
 
 } // namespace host

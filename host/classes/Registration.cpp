@@ -1,7 +1,7 @@
 #include "host/classes/Registration.h"
 
-#include "host/Host.h"
 #include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 #include "host/language/Names.h"
 #include "host/memory/Heap.h"
 
@@ -26,7 +26,7 @@ constexpr std::int64_t extraMethodFlag = 0x80;
 /// Reads a record and notes what is wrong with it.
 class Reader {
 public:
-    Reader(const Host &host, const PluginClassRecord &record) : host_(host), record_(record) {}
+    Reader(const Core &core, const PluginClassRecord &record) : core_(core), record_(record) {}
 
     HostClass read();
     std::vector<std::string> faults;
@@ -62,7 +62,7 @@ private:
             fault(place + ": a reserved slot is not zero");
     }
 
-    const Host &host_;
+    const Core &core_;
     const PluginClassRecord &record_;
 };
 
@@ -76,7 +76,7 @@ std::string placeOf(std::string_view what, std::uint64_t index, const char *text
 void Reader::checkType(const Type &type, const std::string &place) {
     if (type.kind == TypeKind::object && !isFamilyName(type.className) &&
         !sameName(type.className, record_.name == nullptr ? "" : record_.name) &&
-        host_.classes().findAny(type.className) == nullptr)
+        core_.classes.findAny(type.className) == nullptr)
         fault(place + ": unknown type " + type.className);
 }
 
@@ -192,18 +192,18 @@ void Reader::checkEmpty(const void *table, std::uint64_t count, const std::strin
 void Reader::readHeader(HostClass &type) {
     if (record_.name == nullptr || *record_.name == '\0')
         fault("no name");
-    else if (host_.classes().findAny(record_.name) != nullptr)
+    else if (core_.classes.findAny(record_.name) != nullptr)
         fault("the class is registered already");
     if (record_.superclass != nullptr) {
-        type.superclass = host_.classes().findAny(record_.superclass);
+        type.superclass = core_.classes.findAny(record_.superclass);
         if (type.superclass == nullptr)
             fault(std::string("unknown superclass ") + record_.superclass);
         else if (type.superclass->dataSize != 0)
             fault(std::string("superclass ") + record_.superclass + " has instance data");
     }
-    if (record_.version != host_.interfaceVersion())
+    if (record_.version != core_.interfaceVersion)
         fault("interface version " + std::to_string(record_.version) +
-              ", but the plug-in told the host " + std::to_string(host_.interfaceVersion()));
+              ", but the plug-in told the host " + std::to_string(core_.interfaceVersion));
     if (record_.padding != 0)
         fault("the padding behind the version is not zero");
     if (record_.dataSize % 16 != 0)
@@ -229,7 +229,7 @@ HostClass Reader::read() {
                    .destructor = record_.destructor,
                    .record = &record_};
     readHeader(type);
-    type.dataOffset = host_.classes().dataOffsetFor(type.name);
+    type.dataOffset = core_.classes.dataOffsetFor(type.name);
     std::set<std::string> names;
     const auto checkName = [&](const std::string &name, const std::string &place) {
         if (!name.empty() && !names.insert(foldedName(name)).second)
@@ -255,25 +255,19 @@ HostClass Reader::read() {
 
 } // namespace
 
-std::vector<std::string> faultsOf(const Host &host, const PluginClassRecord &record) {
-    Reader reader(host, record);
-    reader.read();
-    return reader.faults;
-}
-
-void registerRecord(Host &host, PluginClassRecord *record) {
+void registerRecord(Core &core, PluginClassRecord *record) {
     if (record == nullptr) {
-        host.heap().violation("got no class record");
+        core.heap.violation("got no class record");
         return;
     }
-    Reader reader(host, *record);
+    Reader reader(core, *record);
     HostClass type = reader.read();
     for (const std::string &fault : reader.faults)
-        host.heap().violation(fault);
+        core.heap.violation(fault);
     if (!reader.faults.empty())
         return;
     record->dataOffset = type.dataOffset;
-    host.classes().add(std::move(type));
+    core.classes.add(std::move(type));
 }
 
 } // namespace host

@@ -1,7 +1,6 @@
 #include "host/core/Trace.h"
 
-#include <array>
-#include <charconv>
+#include <utility>
 
 namespace host {
 
@@ -57,46 +56,6 @@ std::vector<std::string> Trace::lookups() const {
 void Trace::clear() {
     firstPlace_ += entries_.size();
     entries_.clear();
-}
-
-std::string inQuotes(std::string_view bytes) {
-    constexpr std::size_t limit = 64;
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string result = "\"";
-    for (const char c : bytes.substr(0, limit)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            result += '\\';
-            result += c;
-        } else if (byte < 0x20 || byte > 0x7E) {
-            result += "\\x";
-            result += digits[byte >> 4];
-            result += digits[byte & 15];
-        } else {
-            result += c;
-        }
-    }
-    result += '"';
-    return bytes.size() > limit ? result + "..." : result;
-}
-
-namespace {
-
-template <typename Number>
-std::string shortestOf(Number number) {
-    std::array<char, 32> text;
-    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
-    return {text.data(), end};
-}
-
-} // namespace
-
-std::string shortest(double number) {
-    return shortestOf(number);
-}
-
-std::string shortestSingle(double number) {
-    return shortestOf(static_cast<float>(number));
 }
 
 } // namespace host

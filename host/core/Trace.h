@@ -84,11 +84,4 @@ private:
     std::size_t firstPlace_ = 0;
 };
 
-/// "abc" quoted and escaped as above.
-std::string inQuotes(std::string_view bytes);
-/// The shortest decimal that reads back as the same double.
-std::string shortest(double number);
-/// The same of a number that was a Single.
-std::string shortestSingle(double number);
-
 } // namespace host

@@ -8,18 +8,25 @@
 #include <string>
 #include <string_view>
 
+namespace host {
+
+class ClassTable;
+struct Core;
+
+} // namespace host
+
 namespace host::siblings {
 
 inline constexpr std::string_view exceptionClassName = "NSExceptionZKT";
 
 /// Exception support: the host class NSExceptionZKT, and +[NSException NewNSExceptionZKT:] and
 /// +[NSException PrepareNSExceptionZKT].
-void installExceptions();
+void installExceptions(Core &core);
 /// +[NSException GetInstancesDictionaryZKT], which answers registry().
 void installRegistry();
 /// The wrapper classes of the family, as plain as can be: their instances hold what they wrap, and
 /// when they die they give it back and leave the registry.
-void addWrapperClasses();
+void addWrapperClasses(ClassTable &classes);
 
 enum class ExceptionMaking {
     wrap,      ///< a new NSExceptionZKT that retains the NSException

@@ -1,8 +1,9 @@
 #include "host/family/Siblings.h"
 
-#include "host/Host.h"
 #include "host/classes/ClassTable.h"
 #include "host/classes/Instances.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -27,7 +28,7 @@ std::string utf8(NSString *text) {
 
 NSException *heldBy(ObjectHandle handle) {
     NSException *exception = nil;
-    std::memcpy(&exception, Host::current().dataOf(handle), sizeof exception);
+    std::memcpy(&exception, Core::current().heap.find(handle)->data(), sizeof exception);
     return exception;
 }
 
@@ -36,17 +37,17 @@ void releaseHeld(ObjectHandle handle) {
 }
 
 ObjectHandle wrap(NSException *exception) {
-    Host &host = Host::current();
-    const Heap::Acting acting(host.heap(), "NewNSExceptionZKT:");
-    const HostClass *type = host.classes().find(exceptionClassName);
+    Core &core = Core::current();
+    const Heap::Acting acting(core.heap, "NewNSExceptionZKT:");
+    const HostClass *type = core.classes.find(exceptionClassName);
     if (type == nullptr)
         return nullptr;
-    Object &object = *instantiate(host, *type);
+    Object &object = *instantiate(core, *type);
     [exception retain];
     std::memcpy(object.data(), &exception, sizeof exception);
     const std::string reason = utf8([exception reason]);
     if ([exception reason] != nil)
-        std::get<ExceptionData>(object.payload).message = host.makeString(reason);
+        std::any_cast<ExceptionData &>(object.payload).message = makeString(reason);
     return object.handle();
 }
 
@@ -82,13 +83,12 @@ void addClassMethod(const char *selector, Body *body, const char *types) {
 
 } // namespace
 
-void installExceptions() {
-    Host &host = Host::current();
-    if (host.classes().findAny(exceptionClassName) == nullptr)
-        host.classes().add(HostClass{.name = std::string(exceptionClassName),
-                                     .superclass = host.classes().findAny("RuntimeException"),
-                                     .dataSize = 16,
-                                     .destructor = releaseHeld});
+void installExceptions(Core &core) {
+    if (core.classes.findAny(exceptionClassName) == nullptr)
+        core.classes.add(HostClass{.name = std::string(exceptionClassName),
+                                   .superclass = core.classes.findAny("RuntimeException"),
+                                   .dataSize = 16,
+                                   .destructor = releaseHeld});
     addClassMethod("NewNSExceptionZKT:", newException, "^v@:@");
     addClassMethod("PrepareNSExceptionZKT", prepare, "v@:");
 }

@@ -2,144 +2,49 @@
 
 #include "host/family/Siblings.h"
 
-#include "host/Host.h"
 #include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
+#include "host/memory/Heap.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>
 
 #include <cstring>
+#include <iterator>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace host::siblings {
 
 namespace {
 
 /// Cocoa classes that have a wrapper class of their own: their name and "ZKT".
-constexpr const char *cocoaClasses[] = {"NSAffineTransform",
-                                        "NSAnimation",
-                                        "NSAnimationContext",
-                                        "NSAppleEventDescriptor",
-                                        "NSAppleScript",
-                                        "NSApplication",
-                                        "NSAssertionHandler",
-                                        "NSAttributedString",
-                                        "NSBezierPath",
-                                        "NSBox",
-                                        "NSBundle",
-                                        "NSCalendar",
-                                        "NSCell",
-                                        "NSCharacterSet",
-                                        "NSClipView",
-                                        "NSCoder",
-                                        "NSColor",
-                                        "NSColorList",
-                                        "NSColorSpace",
-                                        "NSComboBox",
-                                        "NSComparisonPredicate",
-                                        "NSCompoundPredicate",
-                                        "NSCursor",
-                                        "NSDateComponents",
-                                        "NSDirectoryEnumerator",
-                                        "NSDistributedNotificationCenter",
-                                        "NSDockTile",
-                                        "NSDraggingImageComponent",
-                                        "NSEnumerator",
-                                        "NSError",
-                                        "NSEvent",
-                                        "NSExpression",
-                                        "NSFileHandle",
-                                        "NSFileManager",
-                                        "NSFileWrapper",
-                                        "NSFont",
-                                        "NSFontDescriptor",
-                                        "NSFontManager",
-                                        "NSFontPanel",
-                                        "NSHTTPCookie",
-                                        "NSHTTPCookieStorage",
-                                        "NSImage",
-                                        "NSImageRep",
-                                        "NSImageView",
-                                        "NSIndexSet",
-                                        "NSLayoutManager",
-                                        "NSLocale",
-                                        "NSMenu",
-                                        "NSMenuItem",
-                                        "NSMetadataItem",
-                                        "NSMetadataQuery",
-                                        "NSMetadataQueryResultGroup",
-                                        "NSNotification",
-                                        "NSNotificationCenter",
-                                        "NSOperation",
-                                        "NSParagraphStyle",
-                                        "NSPasteboard",
-                                        "NSPasteboardItem",
-                                        "NSPathCell",
-                                        "NSPathComponentCell",
-                                        "NSPathControl",
-                                        "NSPipe",
-                                        "NSPopUpButton",
-                                        "NSPredicate",
-                                        "NSResponder",
-                                        "NSRunLoop",
-                                        "NSRunningApplication",
-                                        "NSScreen",
-                                        "NSScroller",
-                                        "NSSearchField",
-                                        "NSSearchFieldCell",
-                                        "NSSecureTextField",
-                                        "NSSecureTextFieldCell",
-                                        "NSShadow",
-                                        "NSSortDescriptor",
-                                        "NSSound",
-                                        "NSStepper",
-                                        "NSTabView",
-                                        "NSTabViewItem",
-                                        "NSTableColumn",
-                                        "NSTableHeaderView",
-                                        "NSTableView",
-                                        "NSTask",
-                                        "NSText",
-                                        "NSTextAttachment",
-                                        "NSTextContainer",
-                                        "NSTextField",
-                                        "NSTextFieldCell",
-                                        "NSTextStorage",
-                                        "NSTextTab",
-                                        "NSTextView",
-                                        "NSTimeZone",
-                                        "NSTimer",
-                                        "NSToolbar",
-                                        "NSToolbarItem",
-                                        "NSURLCache",
-                                        "NSURLConnection",
-                                        "NSURLDownload",
-                                        "NSURLRequest",
-                                        "NSUndoManager",
-                                        "NSUserDefaults",
-                                        "NSUserNotification",
-                                        "NSView",
-                                        "NSViewController",
-                                        "NSWindow",
-                                        "NSWindowController",
-                                        "QCComposition",
-                                        "QCCompositionRepository",
-                                        "QuartzFilter"};
+constexpr const char *cocoaClasses =
+    "NSAffineTransform NSAnimation NSAnimationContext NSAppleEventDescriptor NSAppleScript "
+    "NSApplication NSAssertionHandler NSAttributedString NSBezierPath NSBox NSBundle NSCalendar "
+    "NSCell NSCharacterSet NSClipView NSCoder NSColor NSColorList NSColorSpace NSComboBox "
+    "NSComparisonPredicate NSCompoundPredicate NSCursor NSDateComponents NSDirectoryEnumerator "
+    "NSDistributedNotificationCenter NSDockTile NSDraggingImageComponent NSEnumerator NSError "
+    "NSEvent NSExpression NSFileHandle NSFileManager NSFileWrapper NSFont NSFontDescriptor "
+    "NSFontManager NSFontPanel NSHTTPCookie NSHTTPCookieStorage NSImage NSImageRep NSImageView "
+    "NSIndexSet NSLayoutManager NSLocale NSMenu NSMenuItem NSMetadataItem NSMetadataQuery "
+    "NSMetadataQueryResultGroup NSNotification NSNotificationCenter NSOperation NSParagraphStyle "
+    "NSPasteboard NSPasteboardItem NSPathCell NSPathComponentCell NSPathControl NSPipe "
+    "NSPopUpButton NSPredicate NSResponder NSRunLoop NSRunningApplication NSScreen NSScroller "
+    "NSSearchField NSSearchFieldCell NSSecureTextField NSSecureTextFieldCell NSShadow "
+    "NSSortDescriptor NSSound NSStepper NSTabView NSTabViewItem NSTableColumn NSTableHeaderView "
+    "NSTableView NSTask NSText NSTextAttachment NSTextContainer NSTextField NSTextFieldCell "
+    "NSTextStorage NSTextTab NSTextView NSTimeZone NSTimer NSToolbar NSToolbarItem NSURLCache "
+    "NSURLConnection NSURLDownload NSURLRequest NSUndoManager NSUserDefaults NSUserNotification "
+    "NSView NSViewController NSWindow NSWindowController QCComposition QCCompositionRepository "
+    "QuartzFilter";
 
-constexpr const char *coreFoundationClasses[] = {"CFArrayZKT",        "CFAttributedStringZKT",
-                                                 "CFBagZKT",          "CFBinaryDataZKT",
-                                                 "CFBooleanZKT",      "CFBundleZKT",
-                                                 "CFDateZKT",         "CFDictionaryZKT",
-                                                 "CFCharacterSetZKT", "CFErrorZKT",
-                                                 "CFNumberZKT",       "CFObjectZKT",
-                                                 "CFSetZKT",          "CFStringZKT",
-                                                 "CFTimeZoneZKT",     "CFURLZKT",
-                                                 "CFUUIDZKT",         "CTFontCollectionZKT",
-                                                 "CTFontZKT",         "CTFrameZKT",
-                                                 "CTFramesetterZKT",  "CTGlyphInfoZKT",
-                                                 "CTLineZKT",         "CTParagraphStyleZKT",
-                                                 "CTRunDelegateZKT",  "CTRunZKT",
-                                                 "CTTypesetterZKT"};
+constexpr const char *coreFoundationClasses =
+    "CFArrayZKT CFAttributedStringZKT CFBagZKT CFBinaryDataZKT CFBooleanZKT CFBundleZKT CFDateZKT "
+    "CFDictionaryZKT CFCharacterSetZKT CFErrorZKT CFNumberZKT CFObjectZKT CFSetZKT CFStringZKT "
+    "CFTimeZoneZKT CFURLZKT CFUUIDZKT CTFontCollectionZKT CTFontZKT CTFrameZKT CTFramesetterZKT "
+    "CTGlyphInfoZKT CTLineZKT CTParagraphStyleZKT CTRunDelegateZKT CTRunZKT CTTypesetterZKT";
 
 /// Data of a Core Foundation wrapper; the tag tells it from every other class of that name.
 struct CoreFoundationData {
@@ -157,7 +62,7 @@ constexpr Geometry geometryClasses[] = {
 
 /// The object in the first field of the data: taken out of the registry and given back.
 void releaseWrapped(ObjectHandle handle) {
-    void *data = Host::current().dataOf(handle);
+    void *data = Core::current().heap.find(handle)->data();
     id object = nil;
     std::memcpy(&object, data, sizeof object);
     if (object == nil)
@@ -169,6 +74,11 @@ void releaseWrapped(ObjectHandle handle) {
     [object release];
 }
 
+std::vector<std::string> words(const char *text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 std::vector<std::byte> bytesOf(const CoreFoundationData &data) {
     std::vector<std::byte> bytes(sizeof data);
     std::memcpy(bytes.data(), &data, sizeof data);
@@ -177,13 +87,11 @@ std::vector<std::byte> bytesOf(const CoreFoundationData &data) {
 
 } // namespace
 
-void addWrapperClasses() {
-    ClassTable &classes = Host::current().classes();
-    for (const char *name : cocoaClasses)
-        classes.add(HostClass{.name = std::string(name) + "ZKT",
-                              .dataSize = sizeof(id),
-                              .destructor = releaseWrapped});
-    for (const char *name : coreFoundationClasses)
+void addWrapperClasses(ClassTable &classes) {
+    for (const std::string &name : words(cocoaClasses))
+        classes.add(
+            HostClass{.name = name + "ZKT", .dataSize = sizeof(id), .destructor = releaseWrapped});
+    for (const std::string &name : words(coreFoundationClasses))
         classes.add(HostClass{.name = name,
                               .dataSize = sizeof(CoreFoundationData),
                               .initialData = bytesOf({}),

@@ -40,13 +40,10 @@ class ElfPlan {
 public:
     explicit ElfPlan(const std::filesystem::path &file) : file_(file) {
         binary_ = must(llvm::object::ObjectFile::createObjectFile(file.string()), file);
-        const auto *any = llvm::dyn_cast<llvm::object::ELFObjectFileBase>(binary_.getBinary());
         elf_ = llvm::dyn_cast<ElfFile>(binary_.getBinary());
-        if (elf_ == nullptr || elf_->getELFFile().getHeader().e_machine != EM_X86_64)
-            fail(file, "a file for " + (any == nullptr ? "another processor" : archOf(*any)) +
-                           ", but this process runs x86-64 code");
-        if (elf_->getELFFile().getHeader().e_type != ET_DYN)
-            fail(file, "an ELF file, but no shared object");
+        if (elf_ == nullptr || elf_->getELFFile().getHeader().e_machine != EM_X86_64 ||
+            elf_->getELFFile().getHeader().e_type != ET_DYN)
+            fail(file, "no shared object for x86-64");
         for (const auto &header : must(elf_->getELFFile().program_headers(), file)) {
             const Range range{header.p_vaddr, header.p_vaddr + header.p_memsz};
             if (header.p_type == PT_LOAD) {
@@ -61,7 +58,6 @@ public:
         }
         for (const auto symbol : elf_->getDynamicSymbolIterators())
             readDynamicSymbol(symbol);
-        readNeededLibraries();
     }
 
     struct Import {
@@ -70,7 +66,6 @@ public:
     };
     std::vector<Import> imports;
     bool hasEntryPoint = false;
-    std::vector<std::string> neededLibraries;
     std::vector<Range> segments;
     std::vector<Range> readOnlyAfterRelocation;
 
@@ -80,10 +75,6 @@ public:
     [[nodiscard]] std::vector<ImageSymbol> symbolsAt(std::uint64_t base) const;
 
 private:
-    static std::string archOf(const llvm::object::ELFObjectFileBase &any) {
-        const llvm::StringRef name = llvm::Triple::getArchTypeName(any.getArch());
-        return name == "unknown" ? "another processor" : name.str();
-    }
     void readDynamicSymbol(const llvm::object::ELFSymbolRef &symbol) {
         const std::string name = must(symbol.getName(), file_).str();
         const std::uint32_t flags = must(symbol.getFlags(), file_);
@@ -94,31 +85,11 @@ private:
             hasEntryPoint = true;
         }
     }
-    void readNeededLibraries();
 
     std::filesystem::path file_;
     llvm::object::OwningBinary<llvm::object::ObjectFile> binary_;
     const ElfFile *elf_ = nullptr;
 };
-
-void ElfPlan::readNeededLibraries() {
-    const auto &file = elf_->getELFFile();
-    std::uint64_t strings = 0;
-    std::vector<std::uint64_t> offsets;
-    for (const auto &entry : must(file.dynamicEntries(), file_)) {
-        if (entry.getTag() == DT_STRTAB)
-            strings = entry.getPtr();
-        else if (entry.getTag() == DT_NEEDED)
-            offsets.push_back(entry.getVal());
-    }
-    const auto *const end = file.base() + file.getBufSize();
-    for (const std::uint64_t offset : offsets) {
-        const auto *text = must(file.toMappedAddr(strings + offset), file_);
-        const std::size_t room = text < end ? static_cast<std::size_t>(end - text) : 0;
-        const auto *start = reinterpret_cast<const char *>(text);
-        neededLibraries.emplace_back(start, strnlen(start, room));
-    }
-}
 
 std::vector<std::uint64_t> ElfPlan::slotsOf(const std::string &name) const {
     std::vector<std::uint64_t> slots;
@@ -155,30 +126,6 @@ std::vector<ImageSymbol> ElfPlan::symbolsAt(std::uint64_t base) const {
         for (const llvm::object::ELFSymbolRef symbol : file.getDynamicSymbolIterators())
             add(symbol);
     return result;
-}
-
-/// The imports that neither this process nor the libraries that the file needs define.
-std::vector<std::string> unresolved(const ElfPlan &plan) {
-    std::vector<void *> places{RTLD_DEFAULT};
-    for (const std::string &library : plan.neededLibraries)
-        if (void *handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL))
-            places.push_back(handle);
-    std::vector<std::string> missing;
-    for (const ElfPlan::Import &import : plan.imports) {
-        const bool found = std::ranges::any_of(
-            places, [&](void *place) { return dlsym(place, import.name.c_str()) != nullptr; });
-        if (!found && !import.weak)
-            missing.push_back(import.name);
-    }
-    return missing;
-}
-
-[[noreturn]] void failUnresolved(const std::filesystem::path &file,
-                                 const std::vector<std::string> &names) {
-    std::string text = "imports that this system does not have:";
-    for (const std::string &name : names)
-        text += (&name == &names.front() ? " " : ", ") + name;
-    fail(file, text);
 }
 
 /// Makes a weak import look absent, as if the dynamic linker had found nothing.
@@ -231,20 +178,13 @@ std::unique_ptr<Image> openElfImage(const std::filesystem::path &file,
     const ElfPlan plan(file);
     if (!plan.hasEntryPoint)
         fail(file, std::string("no plug-in: it does not export ") + entryPointName);
-    std::vector<std::string> withheldStrong;
     for (const ElfPlan::Import &import : plan.imports)
         if (!import.weak && options.withheldImports.contains(import.name))
-            withheldStrong.push_back(import.name);
-    if (!withheldStrong.empty())
-        failUnresolved(file, withheldStrong);
+            fail(file, "imports that this system does not have: " + import.name);
 
     void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle == nullptr) {
-        const std::string reason = dlerror();
-        if (const auto missing = unresolved(plan); !missing.empty())
-            failUnresolved(file, missing);
-        fail(file, "cannot be loaded: " + reason);
-    }
+    if (handle == nullptr)
+        fail(file, std::string("cannot be loaded: ") + dlerror());
     const link_map *map = nullptr;
     dlinfo(handle, RTLD_DI_LINKMAP, static_cast<void *>(&map));
     const auto base = static_cast<std::uint64_t>(map->l_addr);

@@ -1,5 +1,6 @@
 #include "host/image/Image.h"
 
+#include "host/core/Text.h"
 #include "host/core/Trace.h"
 #include "host/image/ImageFiles.h"
 

@@ -1,5 +1,7 @@
 #include "host/language/Encodings.h"
 
+#include "host/core/UsageError.h"
+
 #include <unicode/ucnv.h>
 
 #include <algorithm>

@@ -1,14 +1,24 @@
 #pragma once
 
-// Conversions between the encodings of host strings.
-
-#include "host/language/Value.h"
+// The encodings of host strings, and conversions between them.
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace host {
+
+/// Text encodings of host strings, numbered as Core Foundation numbers its string encodings.
+namespace encoding {
+inline constexpr std::uint32_t macRoman = 0;
+inline constexpr std::uint32_t utf16 = 0x0100; ///< host byte order
+inline constexpr std::uint32_t latin1 = 0x0201;
+inline constexpr std::uint32_t windowsLatin1 = 0x0500;
+inline constexpr std::uint32_t ascii = 0x0600;
+inline constexpr std::uint32_t utf8 = 0x08000100;
+inline constexpr std::uint32_t utf32 = 0x0C000100; ///< host byte order
+inline constexpr std::uint32_t unknown = 0xFFFF;   ///< bytes without a declared encoding
+} // namespace encoding
 
 /// Whether the host can convert from and to this encoding (unknown included: bytes pass through).
 bool isKnownEncoding(std::uint32_t encoding);

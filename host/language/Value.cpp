@@ -1,16 +1,12 @@
 #include "host/language/Value.h"
 
-#include "host/Host.h"
-#include "host/core/Trace.h"
+#include "host/core/Core.h"
+#include "host/core/Text.h"
 #include "host/memory/Heap.h"
 
 namespace host {
 
 namespace {
-
-Heap *heapIfAny() {
-    return Host::exists() ? &Host::current().heap() : nullptr;
-}
 
 template <typename Wanted>
 [[noreturn]] void failAs(const Value &value, const Wanted &wanted) {
@@ -19,88 +15,11 @@ template <typename Wanted>
 
 } // namespace
 
-StringRef::StringRef(const StringRef &other) : handle_(other.handle_) {
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle_ != nullptr)
-        heap->hostLock(handle_);
-}
-
-StringRef::~StringRef() {
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle_ != nullptr)
-        heap->hostUnlock(handle_);
-}
-
-StringRef StringRef::adopt(StringHandle handle) {
-    StringRef result;
-    if (handle != nullptr && Host::current().heap().adopt(handle))
-        result.handle_ = handle;
-    return result;
-}
-
-StringRef StringRef::share(StringHandle handle) {
-    StringRef result;
-    if (handle != nullptr && Host::current().heap().check(handle) != nullptr) {
-        Host::current().heap().hostLock(handle);
-        result.handle_ = handle;
-    }
-    return result;
-}
-
-StringHandle StringRef::release() {
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle_ != nullptr)
-        heap->giveAway(handle_);
-    return std::exchange(handle_, nullptr);
-}
-
-ObjectRef::ObjectRef(const ObjectRef &other) : handle_(other.handle_) {
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle_ != nullptr)
-        heap->hostLock(handle_);
-}
-
-ObjectRef::~ObjectRef() {
-    Heap *heap = heapIfAny();
-    if (heap == nullptr || handle_ == nullptr)
-        return;
-    const ObjectHandle handle = handle_;
-    try {
-        drop();
-    } catch (...) {
-        heap->violation("a foreign exception left the destructor of " + heap->name(handle));
-    }
-}
-
-void ObjectRef::drop() {
-    const ObjectHandle handle = std::exchange(handle_, nullptr);
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle != nullptr)
-        heap->hostUnlock(handle);
-}
-
-ObjectRef ObjectRef::adopt(ObjectHandle handle) {
-    ObjectRef result;
-    if (handle != nullptr && Host::current().heap().adopt(handle))
-        result.handle_ = handle;
-    return result;
-}
-
-ObjectRef ObjectRef::share(ObjectHandle handle) {
-    ObjectRef result;
-    if (handle != nullptr && Host::current().heap().check(handle) != nullptr) {
-        Host::current().heap().hostLock(handle);
-        result.handle_ = handle;
-    }
-    return result;
-}
-
-ObjectHandle ObjectRef::release() {
-    if (Heap *heap = heapIfAny(); heap != nullptr && handle_ != nullptr)
-        heap->giveAway(handle_);
-    return std::exchange(handle_, nullptr);
-}
-
 Value::Value(const char *utf8Text) : Value(std::string_view(utf8Text)) {}
 
 Value::Value(std::string_view utf8Text) {
     if (!utf8Text.empty())
-        emplace<StringRef>(Host::current().makeString(utf8Text));
+        emplace<StringRef>(makeString(utf8Text));
 }
 
 std::int64_t Value::integer() const {
@@ -144,8 +63,16 @@ ObjectRef Value::object() const {
 }
 
 std::string Value::text() const {
-    const StringRef held = string();
-    return held.handle() == nullptr ? std::string{} : Host::current().text(held.handle());
+    return textOf(string().handle());
+}
+
+StringRef makeString(std::string_view bytes, std::uint32_t encoding) {
+    return StringRef::adopt(Core::current().heap.makeString(std::string(bytes), encoding).handle());
+}
+
+std::string textOf(StringHandle handle) {
+    const String *string = Core::current().heap.findLive(handle);
+    return string == nullptr ? "" : toUtf8(string->bytes, string->encoding);
 }
 
 std::string describe(const Value &value) {
@@ -156,10 +83,10 @@ std::string describe(const Value &value) {
         std::string operator()(double number) const { return shortest(number); }
         std::string operator()(bool truth) const { return truth ? "true" : "false"; }
         std::string operator()(const StringRef &string) const {
-            return inQuotes(Host::current().text(string.handle()));
+            return inQuotes(textOf(string.handle()));
         }
         std::string operator()(const ObjectRef &object) const {
-            return Host::current().name(object.handle());
+            return Core::current().heap.name(object.handle());
         }
     };
     return std::visit(Describe{}, static_cast<const ValueAlternatives &>(value));

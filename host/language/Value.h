@@ -3,10 +3,12 @@
 // Values as a program of the host's language sees them, and the outcome of a call.
 
 #include "host/core/PluginRecords.h"
+#include "host/core/UsageError.h"
+#include "host/language/Encodings.h"
+#include "host/memory/Reference.h"
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,81 +16,6 @@
 #include <vector>
 
 namespace host {
-
-/// Text encodings of host strings, numbered as Core Foundation numbers its string encodings.
-namespace encoding {
-inline constexpr std::uint32_t macRoman = 0;
-inline constexpr std::uint32_t utf16 = 0x0100; ///< host byte order
-inline constexpr std::uint32_t latin1 = 0x0201;
-inline constexpr std::uint32_t windowsLatin1 = 0x0500;
-inline constexpr std::uint32_t ascii = 0x0600;
-inline constexpr std::uint32_t utf8 = 0x08000100;
-inline constexpr std::uint32_t utf32 = 0x0C000100; ///< host byte order
-inline constexpr std::uint32_t unknown = 0xFFFF;   ///< bytes without a declared encoding
-} // namespace encoding
-
-/// Owns one reference to a host string, or nothing (nil). Copying adds a reference. Must not
-/// outlive its host.
-class StringRef {
-public:
-    StringRef() = default;
-    StringRef(const StringRef &other);
-    StringRef(StringRef &&other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    StringRef &operator=(StringRef other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    ~StringRef();
-
-    /// Takes over a reference that the caller owns.
-    static StringRef adopt(StringHandle handle);
-    /// Adds a reference of its own.
-    static StringRef share(StringHandle handle);
-
-    /// Borrowed; valid as long as this owner lives.
-    [[nodiscard]] StringHandle handle() const { return handle_; }
-    operator StringHandle() const { return handle_; }
-    /// Gives the reference up to the caller.
-    [[nodiscard]] StringHandle release();
-
-private:
-    StringHandle handle_ = nullptr;
-};
-
-/// Owns one reference to a host object, or nothing (nil). Dropping the last reference runs the
-/// object's destructors; a foreign exception thrown there becomes a violation (use
-/// Host::release to see it).
-class ObjectRef {
-public:
-    ObjectRef() = default;
-    ObjectRef(const ObjectRef &other);
-    ObjectRef(ObjectRef &&other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    ObjectRef &operator=(ObjectRef other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    ~ObjectRef();
-
-    static ObjectRef adopt(ObjectHandle handle);
-    static ObjectRef share(ObjectHandle handle);
-
-    [[nodiscard]] ObjectHandle handle() const { return handle_; }
-    operator ObjectHandle() const { return handle_; }
-    [[nodiscard]] ObjectHandle release();
-    /// What the destructor does, but exceptions pass.
-    void drop();
-
-private:
-    ObjectHandle handle_ = nullptr;
-};
-
-/// A value that does not fit where it is used: an argument of the wrong type, a missing member,
-/// a result asked for as something it is not. The fault of whoever uses the host, never of the
-/// plug-in (that is a violation).
-class UsageError : public std::logic_error {
-public:
-    using std::logic_error::logic_error;
-};
 
 using ValueAlternatives =
     std::variant<std::monostate, std::int64_t, std::uint64_t, double, bool, StringRef, ObjectRef>;
@@ -125,6 +52,10 @@ public:
     /// The string's text in UTF-8.
     [[nodiscard]] std::string text() const;
 };
+
+StringRef makeString(std::string_view bytes, std::uint32_t encoding = encoding::utf8);
+/// In UTF-8; "" for nil and for what is no live string.
+std::string textOf(StringHandle string);
 
 /// For messages: 12, "abc", true, NSProcessInfoZKT#1, nil.
 std::string describe(const Value &value);

@@ -29,7 +29,7 @@ ObjectHeader headerOf(const Object &object) {
     return {.magic = liveMagic,
             .type = object.type,
             .number = object.number,
-            .dataSize = object.type->dataSize,
+            .dataSize = object.layout.dataSize,
             .seal = {~object.number, liveMagic ^ object.number}};
 }
 
@@ -37,10 +37,9 @@ bool isFilled(const std::byte *begin, const std::byte *end, std::byte with) {
     return std::all_of(begin, end, [with](std::byte byte) { return byte == with; });
 }
 
-Payload payloadOf(const HostClass *type) {
-    while (type != nullptr && type->makePayload == nullptr)
-        type = type->superclass;
-    return type == nullptr ? Payload{} : type->makePayload();
+template <typename Thing>
+Thing *unlessFreed(Thing *thing) {
+    return thing == nullptr || thing->life == Life::freed ? nullptr : thing;
 }
 
 template <typename Things>
@@ -51,6 +50,11 @@ auto liveOf(const Things &things) {
             result.push_back(thing.get());
     std::ranges::sort(result, {}, [](const auto *thing) { return thing->number; });
     return result;
+}
+
+template <typename Handle, typename Thing>
+std::string nameOf(Handle handle, const Thing *thing) {
+    return handle == nullptr ? "nil" : thing == nullptr ? "invalid" : Heap::name(*thing);
 }
 
 } // namespace
@@ -68,18 +72,19 @@ Heap::~Heap() {
         object->payload = {};
 }
 
-Object &Heap::makeObject(const HostClass &type) {
+Object &Heap::makeObject(const HostClass &type, const Layout &layout, std::any payload) {
     auto object = std::make_unique<Object>();
     object->type = &type;
+    object->layout = layout;
     object->number = ++lastObject_;
-    object->payload = payloadOf(&type);
-    object->size = type.dataOffset + type.dataSize;
+    object->payload = std::move(payload);
+    object->size = layout.dataOffset + layout.dataSize;
     object->memory = std::make_unique<std::byte[]>(object->size + guardSize);
     const ObjectHeader header = headerOf(*object);
     std::byte *const start = object->memory.get();
     std::memcpy(start, &header, sizeof header);
-    std::fill(start + sizeof header, start + type.dataOffset, guardByte);
-    std::ranges::copy(type.initialData, start + type.dataOffset);
+    std::fill(start + sizeof header, start + layout.dataOffset, guardByte);
+    std::ranges::copy(layout.initialData, start + layout.dataOffset);
     std::fill_n(start + object->size, guardSize, guardByte);
     object->history.add("made", actor_);
     ++liveObjects_;
@@ -107,14 +112,26 @@ String *Heap::find(StringHandle handle) const {
     return found == strings_.end() ? nullptr : found->second.get();
 }
 
+Object *Heap::findLive(ObjectHandle handle) const {
+    return unlessFreed(find(handle));
+}
+
+String *Heap::findLive(StringHandle handle) const {
+    return unlessFreed(find(handle));
+}
+
 void Heap::violation(const std::string &what) {
     violations_.add(std::string(actor_) + ": " + what);
 }
 
-template <typename Thing, typename Handle>
-Thing *Heap::checkLive(Thing *thing, Handle handle, std::string_view needed) {
+/// Others are the things of the other kind.
+template <typename Handle, typename Thing, typename Others>
+Thing *Heap::checkLive(Handle handle, Thing *thing, const Others &others, std::string_view needed) {
     const std::string wanted = " where a live " + std::string(needed) + " is needed";
-    if (handle == nullptr)
+    if (const auto other = others.find(handle); other != others.end())
+        violation("got " + name(*other->second) + " where " + (needed == "object" ? "an " : "a ") +
+                  std::string(needed) + " is needed (" + other->second->history.text() + ")");
+    else if (handle == nullptr)
         violation("got nil" + wanted);
     else if (reinterpret_cast<std::uint64_t>(handle) == registerFiller)
         violation("got what the host had left in a register" + wanted);
@@ -128,37 +145,21 @@ Thing *Heap::checkLive(Thing *thing, Handle handle, std::string_view needed) {
 }
 
 Object *Heap::check(ObjectHandle handle) {
-    if (const auto asString = strings_.find(handle); asString != strings_.end()) {
-        violation("got " + name(*asString->second) + " where an object is needed (" +
-                  asString->second->history.text() + ")");
-        return nullptr;
-    }
-    Object *object = checkLive(find(handle), handle, "object");
+    Object *object = checkLive(handle, find(handle), strings_, "object");
     if (object != nullptr)
         checkMemory(*object);
     return object;
 }
 
 String *Heap::check(StringHandle handle) {
-    if (const auto asObject = objects_.find(handle); asObject != objects_.end()) {
-        violation("got " + name(*asObject->second) + " where a string is needed (" +
-                  asObject->second->history.text() + ")");
-        return nullptr;
-    }
-    return checkLive(find(handle), handle, "string");
+    return checkLive(handle, find(handle), objects_, "string");
 }
 
-void Heap::lock(ObjectHandle handle) {
-    if (Object *object = check(handle)) {
-        ++object->references;
-        object->history.add("locked", actor_);
-    }
-}
-
-void Heap::lock(StringHandle handle) {
-    if (String *string = check(handle)) {
-        ++string->references;
-        string->history.add("locked", actor_);
+template <typename Handle>
+void Heap::lock(Handle handle) {
+    if (auto *thing = check(handle)) {
+        ++thing->references;
+        thing->history.add("locked", actor_);
     }
 }
 
@@ -174,95 +175,68 @@ bool Heap::dropPluginReference(Thing &thing) {
     return true;
 }
 
-void Heap::unlock(ObjectHandle handle) {
-    Object *object = check(handle);
-    if (object != nullptr && dropPluginReference(*object) && object->references == 0)
-        destroy(*object);
+template <typename Handle>
+void Heap::unlock(Handle handle) {
+    auto *thing = check(handle);
+    if (thing != nullptr && dropPluginReference(*thing) && thing->references == 0)
+        end(*thing);
 }
 
-void Heap::unlock(StringHandle handle) {
-    String *string = check(handle);
-    if (string != nullptr && dropPluginReference(*string) && string->references == 0)
-        free(*string);
-}
-
-void Heap::hostLock(ObjectHandle handle) {
-    Object *object = find(handle);
-    if (object == nullptr || object->life == Life::freed)
-        return;
-    ++object->references;
-    ++object->hostReferences;
-}
-
-void Heap::hostLock(StringHandle handle) {
-    String *string = find(handle);
-    if (string == nullptr || string->life == Life::freed)
-        return;
-    ++string->references;
-    ++string->hostReferences;
-}
-
-void Heap::hostUnlock(ObjectHandle handle) {
-    Object *object = find(handle);
-    if (object == nullptr || object->life == Life::freed)
-        return;
-    --object->hostReferences;
-    if (--object->references == 0) {
-        object->history.add("released", actor_);
-        destroy(*object);
+template <typename Handle>
+void Heap::hostLock(Handle handle) {
+    if (auto *thing = findLive(handle)) {
+        ++thing->references;
+        ++thing->hostReferences;
     }
 }
 
-void Heap::hostUnlock(StringHandle handle) {
-    String *string = find(handle);
-    if (string == nullptr || string->life == Life::freed)
+template <typename Handle>
+void Heap::hostUnlock(Handle handle) {
+    auto *thing = findLive(handle);
+    if (thing == nullptr)
         return;
-    --string->hostReferences;
-    if (--string->references == 0) {
-        string->history.add("released", actor_);
-        free(*string);
+    --thing->hostReferences;
+    if (--thing->references == 0) {
+        thing->history.add("released", actor_);
+        end(*thing);
     }
 }
 
-namespace {
-
-template <typename Thing>
-bool takeOver(Heap &heap, Thing *thing) {
+template <typename Handle>
+bool Heap::adopt(Handle handle) {
+    auto *thing = check(handle);
     if (thing == nullptr)
         return false;
     if (thing->pluginReferences() <= 0) {
-        heap.violation("returned " + Heap::name(*thing) + " without a reference to hand over (" +
-                       thing->history.text() + ")");
+        violation("returned " + name(*thing) + " without a reference to hand over (" +
+                  thing->history.text() + ")");
         return false;
     }
-    thing->history.add("handed to the host", heap.actor());
+    thing->history.add("handed to the host", actor_);
     ++thing->hostReferences;
     return true;
 }
 
-} // namespace
-
-bool Heap::adopt(ObjectHandle handle) {
-    return takeOver(*this, check(handle));
-}
-
-bool Heap::adopt(StringHandle handle) {
-    return takeOver(*this, check(handle));
-}
-
-void Heap::giveAway(ObjectHandle handle) {
-    if (Object *object = find(handle)) {
-        --object->hostReferences;
-        object->history.add("handed to the plug-in", actor_);
+template <typename Handle>
+void Heap::giveAway(Handle handle) {
+    if (auto *thing = find(handle)) {
+        --thing->hostReferences;
+        thing->history.add("handed to the plug-in", actor_);
     }
 }
 
-void Heap::giveAway(StringHandle handle) {
-    if (String *string = find(handle)) {
-        --string->hostReferences;
-        string->history.add("handed to the plug-in", actor_);
-    }
-}
+template void Heap::lock(ObjectHandle);
+template void Heap::lock(StringHandle);
+template void Heap::unlock(ObjectHandle);
+template void Heap::unlock(StringHandle);
+template void Heap::hostLock(ObjectHandle);
+template void Heap::hostLock(StringHandle);
+template void Heap::hostUnlock(ObjectHandle);
+template void Heap::hostUnlock(StringHandle);
+template bool Heap::adopt(ObjectHandle);
+template bool Heap::adopt(StringHandle);
+template void Heap::giveAway(ObjectHandle);
+template void Heap::giveAway(StringHandle);
 
 /// Frees the object at the end of its destructors, also when one of them throws. The reference
 /// that it takes meanwhile lets them lock and unlock their own object.
@@ -284,7 +258,7 @@ struct Heap::Dying {
     }
 };
 
-void Heap::destroy(Object &object) {
+void Heap::end(Object &object) {
     if (object.life != Life::alive)
         return;
     const Dying dying(*this, object);
@@ -294,17 +268,13 @@ void Heap::destroy(Object &object) {
 
 void Heap::free(Object &object) {
     checkMemory(object);
-    Payload held = std::exchange(object.payload, Payload{});
+    std::any held = std::exchange(object.payload, {});
     // What holds what holds what, and so on, ends one after the other, not inside each other.
     if (freeing_ == deepestFreeing)
-        heldByFreed_.push_back(std::exchange(held, Payload{}));
-    object.life = Life::freed;
-    object.references = object.hostReferences = 0;
-    object.history.add("freed", actor_);
+        heldByFreed_.push_back(std::exchange(held, {}));
     std::fill_n(object.memory.get(), object.size + guardSize, freedByte);
     --liveObjects_;
-    quarantine_.push_back(object.handle());
-    trimQuarantine();
+    retire(object);
     ++freeing_;
     held = {};
     while (freeing_ == 1 && !heldByFreed_.empty()) {
@@ -315,14 +285,19 @@ void Heap::free(Object &object) {
     --freeing_;
 }
 
-void Heap::free(String &string) {
-    string.life = Life::freed;
-    string.references = string.hostReferences = 0;
-    string.history.add("freed", actor_);
+void Heap::end(String &string) {
     // The bytes stay where they were, so that a pointer to them reads poison, not other data.
     std::ranges::fill(string.bytes, static_cast<char>(freedByte));
     --liveStrings_;
-    quarantine_.push_back(string.handle());
+    retire(string);
+}
+
+template <typename Thing>
+void Heap::retire(Thing &thing) {
+    thing.life = Life::freed;
+    thing.references = thing.hostReferences = 0;
+    thing.history.add("freed", actor_);
+    quarantine_.push_back(thing.handle());
     trimQuarantine();
 }
 
@@ -340,7 +315,7 @@ void Heap::trimQuarantine() {
 }
 
 std::string Heap::name(const Object &object) {
-    return object.type->name + '#' + std::to_string(object.number);
+    return std::string(object.layout.className) + '#' + std::to_string(object.number);
 }
 
 std::string Heap::name(const String &string) {
@@ -348,17 +323,11 @@ std::string Heap::name(const String &string) {
 }
 
 std::string Heap::name(ObjectHandle handle) const {
-    if (handle == nullptr)
-        return "nil";
-    const Object *object = find(handle);
-    return object == nullptr ? "invalid" : name(*object);
+    return nameOf(handle, find(handle));
 }
 
 std::string Heap::name(StringHandle handle) const {
-    if (handle == nullptr)
-        return "nil";
-    const String *string = find(handle);
-    return string == nullptr ? "invalid" : name(*string);
+    return nameOf(handle, find(handle));
 }
 
 std::vector<const Object *> Heap::liveObjects() const {
@@ -384,7 +353,7 @@ void Heap::checkMemory(Object &object) {
             !isFilled(start + sizeof header, object.data(), guardByte))
             damage = "was overwritten before its instance data";
         else if (!isFilled(end, end + guardSize, guardByte))
-            damage = "was overwritten behind its " + std::to_string(object.type->dataSize) +
+            damage = "was overwritten behind its " + std::to_string(object.layout.dataSize) +
                      " bytes of instance data";
     }
     if (damage.empty())

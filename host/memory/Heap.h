@@ -10,17 +10,16 @@
 // An object's memory is header, class data and guard bytes. A handle is the object's address, a
 // string's is opaque. Freed ones stay behind, poisoned, so that every later use is noticed.
 
-#include "host/classes/ClassTable.h"
-#include "host/classes/Payload.h"
 #include "host/core/PluginRecords.h"
 #include "host/memory/History.h"
 #include "host/memory/Violations.h"
 
+#include <any>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,6 +30,8 @@ namespace host {
 /// What the host leaves in every register that a call's declaration does not fill. No address: a
 /// function that takes it for an argument, or answers with it, does not fit its declaration.
 inline constexpr std::uint64_t registerFiller = 0xF7F7F7F7F7F7F7F7;
+
+struct HostClass;
 
 enum class Life { alive, dying, freed };
 
@@ -45,16 +46,25 @@ struct Counted {
     [[nodiscard]] std::int64_t pluginReferences() const { return references - hostReferences; }
 };
 
+/// The memory that an instance of a class needs.
+struct Layout {
+    std::string_view className;                  ///< must live as long as the instance
+    std::span<const std::byte> initialData = {}; ///< likewise
+    std::size_t dataSize = 0;
+    std::size_t dataOffset = objectHeaderSize;
+};
+
 struct Object : Counted {
     const HostClass *type = nullptr;
-    Payload payload;
+    Layout layout;
+    std::any payload; ///< what its class keeps in C++
     std::unique_ptr<std::byte[]> memory;
     std::size_t size = 0;  ///< without the guard behind the data
     bool damaged = false;  ///< already reported
     bool finished = false; ///< the constructors ran to their end, so the destructors must
 
     ObjectHandle handle() const { return reinterpret_cast<ObjectHandle>(memory.get()); }
-    std::byte *data() const { return memory.get() + type->dataOffset; }
+    std::byte *data() const { return memory.get() + layout.dataOffset; }
 };
 
 struct String : Counted {
@@ -77,35 +87,39 @@ public:
     Heap &operator=(const Heap &) = delete;
 
     // Making: one reference, which belongs to the plug-in until adopted.
-    Object &makeObject(const HostClass &type);
+    Object &makeObject(const HostClass &type, const Layout &layout, std::any payload);
     String &makeString(std::string bytes, std::uint32_t encoding);
 
     // Finding. "find" takes any pointer and says nothing; freed ones are found too. "check"
     // gives only what may be used, and files a violation otherwise.
     Object *find(ObjectHandle handle) const;
     String *find(StringHandle handle) const;
+    Object *findLive(ObjectHandle handle) const;
+    String *findLive(StringHandle handle) const;
     Object *check(ObjectHandle handle);
     String *check(StringHandle handle);
 
+    // Below, a handle is an ObjectHandle or a StringHandle.
+
     // The plug-in's references.
-    void lock(ObjectHandle handle);
-    void unlock(ObjectHandle handle);
-    void lock(StringHandle handle);
-    void unlock(StringHandle handle);
+    template <typename Handle>
+    void lock(Handle handle);
+    template <typename Handle>
+    void unlock(Handle handle);
 
     // The host's. A handle that is not live is passed over in silence: its end was reported.
-    void hostLock(ObjectHandle handle);
-    void hostUnlock(ObjectHandle handle);
-    void hostLock(StringHandle handle);
-    void hostUnlock(StringHandle handle);
+    template <typename Handle>
+    void hostLock(Handle handle);
+    template <typename Handle>
+    void hostUnlock(Handle handle);
 
     /// Turns a reference of the plug-in into one of the host. Violation and false when there is
     /// none to take.
-    bool adopt(ObjectHandle handle);
-    bool adopt(StringHandle handle);
+    template <typename Handle>
+    bool adopt(Handle handle);
     /// Turns a reference of the host into one of the plug-in.
-    void giveAway(ObjectHandle handle);
-    void giveAway(StringHandle handle);
+    template <typename Handle>
+    void giveAway(Handle handle);
 
     std::string name(ObjectHandle handle) const; ///< Date#1; "nil"; "invalid"
     std::string name(StringHandle handle) const;
@@ -146,13 +160,16 @@ public:
 private:
     struct Dying;
 
-    template <typename Thing, typename Handle>
-    Thing *checkLive(Thing *thing, Handle handle, std::string_view needed);
+    template <typename Handle, typename Thing, typename Others>
+    Thing *checkLive(Handle handle, Thing *thing, const Others &others, std::string_view needed);
     template <typename Thing>
     bool dropPluginReference(Thing &thing);
-    void destroy(Object &object);
+    /// The last reference is gone.
+    void end(Object &object);
+    void end(String &string);
     void free(Object &object);
-    void free(String &string);
+    template <typename Thing>
+    void retire(Thing &thing);
     void trimQuarantine();
 
     Violations &violations_;
@@ -167,7 +184,7 @@ private:
     std::size_t liveObjects_ = 0;
     std::size_t liveStrings_ = 0;
     std::size_t freeing_ = 0;
-    std::vector<Payload> heldByFreed_;
+    std::vector<std::any> heldByFreed_;
 };
 
 } // namespace host

@@ -1,7 +1,7 @@
 #include "host/program/ArrayMembers.h"
 
 #include "host/classes/Inspect.h"
-#include "host/classes/Payload.h"
+#include "host/classes/NativeData.h"
 #include "host/language/Names.h"
 #include "host/program/Arithmetic.h"
 #include "host/program/Arrays.h"

@@ -2,6 +2,8 @@
 
 #include "host/Host.h"
 #include "host/classes/Inspect.h"
+#include "host/classes/NativeData.h"
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 #include "host/program/Conversion.h"
 #include "host/program/Raised.h"
@@ -47,8 +49,8 @@ void resize(ArrayData &array, const Type &elementType, std::int64_t count) {
 }
 
 bool isArrayOf(const ObjectRef &object, const Type &elementType) {
-    const Object *found = Host::current().heap().find(object.handle());
-    const auto *array = found == nullptr ? nullptr : std::get_if<ArrayData>(&found->payload);
+    const Object *found = Core::current().heap.find(object.handle());
+    const auto *array = found == nullptr ? nullptr : std::any_cast<ArrayData>(&found->payload);
     return array != nullptr && array->elementType == codeOf(elementType);
 }
 
@@ -56,7 +58,7 @@ ArrayData &elementsOf(const Value &array) {
     const auto *object = std::get_if<ObjectRef>(&array);
     if (object == nullptr)
         raise("NilObjectException", "an array is wanted, but there is Nil");
-    return std::get<ArrayData>(Host::current().heap().find(object->handle())->payload);
+    return std::any_cast<ArrayData &>(Core::current().heap.find(object->handle())->payload);
 }
 
 Value element(const ArrayData &array, std::int64_t index, const Type &elementType) {

@@ -2,6 +2,7 @@
 
 #include "host/Host.h"
 #include "host/classes/Inspect.h"
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 #include "host/program/Arrays.h"
 #include "host/program/Raised.h"
@@ -60,7 +61,7 @@ Value intoVariant(const Value &value, const Type &from) {
 bool isOfClass(const ObjectRef &object, const std::string &className) {
     const Host &host = Host::current();
     const HostClass *type = host.classes().findAny(className);
-    const Object *found = host.heap().find(object.handle());
+    const Object *found = Core::current().heap.find(object.handle());
     return type != nullptr && found != nullptr && found->type->isKindOf(*type);
 }
 

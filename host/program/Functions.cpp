@@ -1,7 +1,7 @@
 #include "host/program/Functions.h"
 
 #include "host/Host.h"
-#include "host/classes/Payload.h"
+#include "host/classes/NativeData.h"
 #include "host/language/Names.h"
 #include "host/program/Arrays.h"
 #include "host/program/Characters.h"

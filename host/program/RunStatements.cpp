@@ -1,5 +1,6 @@
 // The statements, one by one.
 
+#include "host/classes/NativeData.h"
 #include "host/program/Arithmetic.h"
 #include "host/program/Arrays.h"
 #include "host/program/Conversion.h"

@@ -1,5 +1,7 @@
 #include "host/program/Session.h"
 
+#include "host/classes/Exceptions.h"
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 
 #include <algorithm>
@@ -18,7 +20,7 @@ std::optional<Uncaught> uncaughtBy(Host &host, Body body) {
         return std::nullopt;
     } catch (Raised &raised) {
         // The host tells what it knows of an exception that is raised.
-        host.raise(raised.exception);
+        host::raise(Core::current(), raised.exception);
         Uncaught uncaught{.exception = *host.takePendingException(),
                           .lines = std::move(raised.lines)};
         uncaught.exception.object = {};
@@ -61,9 +63,9 @@ std::optional<Uncaught> Session::finish() {
     return uncaughtBy(host_, [&] { evaluator_.clear(); });
 }
 
-std::vector<std::string> circles(const Host &host) {
+std::vector<std::string> circles() {
     std::vector<std::string> result;
-    for (const Object *object : host.heap().liveObjects())
+    for (const Object *object : Core::current().heap.liveObjects())
         // A Variant in a circle is only what holds a value of another object.
         if (object->pluginReferences() == 0 && object->type->name != "Variant")
             result.push_back(Heap::name(*object) +

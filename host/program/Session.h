@@ -51,6 +51,6 @@ private:
 
 /// What is still alive though no variable holds it: objects that hold each other. One line each.
 /// For the time after finish().
-std::vector<std::string> circles(const Host &host);
+std::vector<std::string> circles();
 
 } // namespace host::program

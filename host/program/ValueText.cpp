@@ -1,7 +1,7 @@
 #include "host/program/ValueText.h"
 
 #include "host/Host.h"
-#include "host/core/Trace.h"
+#include "host/core/Text.h"
 
 namespace host::program {
 

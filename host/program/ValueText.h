@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/classes/Inspect.h"
+#include "host/core/Text.h"
 #include "host/language/Value.h"
 
 #include <string>

@@ -1,70 +1,73 @@
 #include "host/classes/Builtins.h"
+#include "host/classes/ClassTable.h"
+#include "host/classes/Exceptions.h"
 #include "host/classes/Instances.h"
 #include "host/classes/Invoker.h"
 #include "host/classes/Registration.h"
+#include "host/core/Core.h"
+#include "host/memory/Heap.h"
 #include "host/services/ServiceBodies.h"
 
 namespace host::services {
 
-double hostVersion(Host &host) {
-    return host.options().version.value_or(0.0);
+double hostVersion(Core &core) {
+    return core.options.version.value_or(0.0);
 }
 
-void registerPluginVersion(Host &host, std::int32_t version) {
+void registerPluginVersion(Core &core, std::int32_t version) {
     if (version < oldestInterface || version > newestInterface)
-        host.heap().violation("interface version " + std::to_string(version) +
-                              " is none of 9 to 13");
-    host.setInterfaceVersion(version);
+        core.heap.violation("interface version " + std::to_string(version) + " is none of 9 to 13");
+    core.interfaceVersion = version;
 }
 
-void registerClass(Host &host, PluginClassRecord *record) {
-    registerRecord(host, record);
+void registerClass(Core &core, PluginClassRecord *record) {
+    registerRecord(core, record);
 }
 
-ObjectHandle newInstance(Host &host, const char *className) {
+ObjectHandle newInstance(Core &core, const char *className) {
     if (className == nullptr) {
-        host.heap().violation("got no class name");
+        core.heap.violation("got no class name");
         return nullptr;
     }
-    const HostClass *type = host.classes().find(className);
+    const HostClass *type = core.classes.find(className);
     if (type == nullptr || type->isInternal)
         return nullptr;
-    Object *object = instantiate(host, *type);
+    Object *object = instantiate(core, *type);
     return object == nullptr ? nullptr : object->handle();
 }
 
-void lockObject(Host &host, ObjectHandle object) {
-    host.heap().lock(object);
+void lockObject(Core &core, ObjectHandle object) {
+    core.heap.lock(object);
 }
 
-void unlockObject(Host &host, ObjectHandle object) {
-    host.heap().unlock(object);
+void unlockObject(Core &core, ObjectHandle object) {
+    core.heap.unlock(object);
 }
 
-void raiseException(Host &host, ObjectHandle exception) {
-    host.raise(exception);
+void raiseException(Core &core, ObjectHandle exception) {
+    raise(core, exception);
 }
 
-ObjectHandle callWithExceptionHandler(Host &host, void (*callback)(void *), void *argument) {
+ObjectHandle callWithExceptionHandler(Core &core, void (*callback)(void *), void *argument) {
     if (callback == nullptr) {
-        host.heap().violation("got no callback");
+        core.heap.violation("got no callback");
         return nullptr;
     }
-    const Host::ExceptionScope scope(host);
+    const PendingException::Scope scope(core.pending);
     callback(argument);
-    return host.takePending().release();
+    return core.pending.take().release();
 }
 
 namespace {
 
 /// The property if the object is live and has it with this kind of type; null otherwise, which
 /// is an answer and no fault.
-const Property *propertyOf(Host &host, ObjectHandle handle, const char *name, TypeKind kind) {
-    const Object *object = host.heap().check(handle);
+const Property *propertyOf(Core &core, ObjectHandle handle, const char *name, TypeKind kind) {
+    const Object *object = core.heap.check(handle);
     if (object == nullptr)
         return nullptr;
     if (name == nullptr) {
-        host.heap().violation("got no property name");
+        core.heap.violation("got no property name");
         return nullptr;
     }
     const Property *property = object->type->property(name);
@@ -72,79 +75,95 @@ const Property *propertyOf(Host &host, ObjectHandle handle, const char *name, Ty
                                                                                          : nullptr;
 }
 
+/// What a look-up asks for: nothing when the text does not parse (a violation) or the method is
+/// hidden.
+std::optional<MethodDeclaration> parseLookup(Core &core, const char *declaration) {
+    if (declaration == nullptr) {
+        core.heap.violation("got no declaration");
+        return std::nullopt;
+    }
+    try {
+        MethodDeclaration wanted = parseMethod(declaration);
+        return core.classes.isHidden(wanted) ? std::nullopt : std::optional(std::move(wanted));
+    } catch (const DeclarationError &error) {
+        core.heap.violation(error.what());
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
-bool setPropertyInteger(Host &host, ObjectHandle object, const char *name, std::int64_t value) {
-    const Property *property = propertyOf(host, object, name, TypeKind::integer);
+bool setPropertyInteger(Core &core, ObjectHandle object, const char *name, std::int64_t value) {
+    const Property *property = propertyOf(core, object, name, TypeKind::integer);
     if (property == nullptr || !property->isWritable())
         return false;
-    writeProperty(host, *host.heap().find(object), *property, Value(value));
+    writeProperty(core, *core.heap.find(object), *property, Value(value));
     return true;
 }
 
-bool setPropertyString(Host &host, ObjectHandle object, const char *name, StringHandle value) {
-    const Property *property = propertyOf(host, object, name, TypeKind::string);
+bool setPropertyString(Core &core, ObjectHandle object, const char *name, StringHandle value) {
+    const Property *property = propertyOf(core, object, name, TypeKind::string);
     if (property == nullptr || !property->isWritable())
         return false;
-    if (value != nullptr && host.heap().check(value) == nullptr)
+    if (value != nullptr && core.heap.check(value) == nullptr)
         return false;
-    writeProperty(host, *host.heap().find(object), *property, Value(StringRef::share(value)));
+    writeProperty(core, *core.heap.find(object), *property, Value(StringRef::share(value)));
     return true;
 }
 
-bool getPropertyInteger(Host &host, ObjectHandle object, const char *name, std::int64_t *result) {
-    const Property *property = propertyOf(host, object, name, TypeKind::integer);
+bool getPropertyInteger(Core &core, ObjectHandle object, const char *name, std::int64_t *result) {
+    const Property *property = propertyOf(core, object, name, TypeKind::integer);
     if (property == nullptr)
         return false;
     if (result == nullptr) {
-        host.heap().violation("got no place for the result");
+        core.heap.violation("got no place for the result");
         return false;
     }
-    *result = readProperty(host, *host.heap().find(object), *property).integer();
+    *result = readProperty(core, *core.heap.find(object), *property).integer();
     return true;
 }
 
-void *loadObjectMethod(Host &host, ObjectHandle handle, const char *declaration) {
-    const Object *object = host.heap().check(handle);
+void *loadObjectMethod(Core &core, ObjectHandle handle, const char *declaration) {
+    const Object *object = core.heap.check(handle);
     if (object == nullptr)
         return nullptr;
-    const auto signature = host.parseLookup(declaration);
+    const auto signature = parseLookup(core, declaration);
     const Method *method = signature ? object->type->method(*signature) : nullptr;
     return method == nullptr ? nullptr : method->function;
 }
 
-void *loadGlobalMethod(Host &host, void *module, const char *declaration) {
+void *loadGlobalMethod(Core &core, void *module, const char *declaration) {
     if (module != nullptr)
-        host.heap().violation("got a module, though the host has global methods only");
-    const auto signature = host.parseLookup(declaration);
-    const Method *method = signature ? host.globalMethod(*signature) : nullptr;
+        core.heap.violation("got a module, though the host has global methods only");
+    const auto signature = parseLookup(core, declaration);
+    const Method *method = signature ? core.classes.global(*signature) : nullptr;
     return method == nullptr ? nullptr : method->function;
 }
 
-ObjectHandle stringToVariant(Host &host, StringHandle string) {
-    if (string != nullptr && host.heap().check(string) == nullptr)
+ObjectHandle stringToVariant(Core &core, StringHandle string) {
+    if (string != nullptr && core.heap.check(string) == nullptr)
         return nullptr;
-    return makeVariant(host, {VariantType::string, Value(StringRef::share(string))});
+    return makeVariant(core, {VariantType::string, Value(StringRef::share(string))});
 }
 
-ObjectHandle integerToVariant(Host &host, std::int64_t number) {
-    return makeVariant(host, {VariantType::integer, Value(number)});
+ObjectHandle integerToVariant(Core &core, std::int64_t number) {
+    return makeVariant(core, {VariantType::integer, Value(number)});
 }
 
-ObjectHandle doubleToVariant(Host &host, double number) {
-    return makeVariant(host, {VariantType::real, Value(number)});
+ObjectHandle doubleToVariant(Core &core, double number) {
+    return makeVariant(core, {VariantType::real, Value(number)});
 }
 
-ObjectHandle booleanToVariant(Host &host, BooleanByte truth) {
-    return makeVariant(host, {VariantType::boolean, Value(truth != BooleanByte{})});
+ObjectHandle booleanToVariant(Core &core, BooleanByte truth) {
+    return makeVariant(core, {VariantType::boolean, Value(truth != BooleanByte{})});
 }
 
-ObjectHandle uint32ToVariant(Host &host, std::uint32_t number) {
-    return makeVariant(host, {VariantType::uint32, Value(std::uint64_t{number})});
+ObjectHandle uint32ToVariant(Core &core, std::uint32_t number) {
+    return makeVariant(core, {VariantType::uint32, Value(std::uint64_t{number})});
 }
 
-ObjectHandle singleToVariant(Host &host, float number) {
-    return makeVariant(host, {VariantType::single, Value(double{number})});
+ObjectHandle singleToVariant(Core &core, float number) {
+    return makeVariant(core, {VariantType::single, Value(double{number})});
 }
 
 } // namespace host::services

@@ -1,7 +1,12 @@
 #include "host/services/Services.h"
 
+#include "host/classes/Builtins.h"
 #include "host/classes/CallLine.h"
+#include "host/core/Core.h"
+#include "host/core/UsageError.h"
+#include "host/language/EditDistance.h"
 #include "host/language/Names.h"
+#include "host/memory/Heap.h"
 #include "host/services/ServiceBodies.h"
 
 #include <algorithm>
@@ -17,23 +22,23 @@ template <std::size_t Index, FixedName Name, auto Body>
 struct Gate;
 
 template <std::size_t Index, FixedName Name, typename Result, typename... Arguments,
-          Result (*Body)(Host &, Arguments...)>
+          Result (*Body)(Core &, Arguments...)>
 struct Gate<Index, Name, Body> {
     static Result enter(Arguments... arguments) {
-        Host &host = Host::current();
-        ServiceState &state = host.services().state(Index);
+        Core &core = Core::current();
+        ServiceState &state = core.services.state(Index);
         ++state.calls;
-        CallLine call(host, Name.text, state.mode != ServiceMode::replaced, arguments...);
+        CallLine call(core, Name.text, state.mode != ServiceMode::replaced, arguments...);
         if constexpr (std::is_void_v<Result>) {
-            run(host, state, arguments...);
+            run(core, state, arguments...);
             call.done();
         } else {
-            return call.result(run(host, state, arguments...));
+            return call.result(run(core, state, arguments...));
         }
     }
 
 private:
-    static Result run(Host &host, const ServiceState &state, Arguments... arguments) {
+    static Result run(Core &core, const ServiceState &state, Arguments... arguments) {
         switch (state.mode) {
         case ServiceMode::null:
             return Result();
@@ -49,7 +54,7 @@ private:
         case ServiceMode::missing:
             break;
         }
-        return Body(host, arguments...);
+        return Body(core, arguments...);
     }
 };
 
@@ -76,15 +81,22 @@ struct Table {
 
 using namespace services;
 
-using AllServices = Table< //
+// clang-format off
+using AllServices = Table<
     Service<"REALGetRBVersion", hostVersion>,
     Service<"RegisterPluginVersion", registerPluginVersion>,
-    Service<"PluginRegisterClass", registerClass>, Service<"PluginNewInstance", newInstance>,
-    Service<"REALLockObject", lockObject>, Service<"REALUnlockObject", unlockObject>,
-    Service<"REALLockString", lockString>, Service<"REALUnlockString", unlockString>,
-    Service<"RuntimeRaiseException", raiseException>, Service<"StringToVariant", stringToVariant>,
-    Service<"IntegerToVariant", integerToVariant>, Service<"DoubleToVariant", doubleToVariant>,
-    Service<"BooleanToVariant", booleanToVariant>, Service<"UInt32ToVariant", uint32ToVariant>,
+    Service<"PluginRegisterClass", registerClass>,
+    Service<"PluginNewInstance", newInstance>,
+    Service<"REALLockObject", lockObject>,
+    Service<"REALUnlockObject", unlockObject>,
+    Service<"REALLockString", lockString>,
+    Service<"REALUnlockString", unlockString>,
+    Service<"RuntimeRaiseException", raiseException>,
+    Service<"StringToVariant", stringToVariant>,
+    Service<"IntegerToVariant", integerToVariant>,
+    Service<"DoubleToVariant", doubleToVariant>,
+    Service<"BooleanToVariant", booleanToVariant>,
+    Service<"UInt32ToVariant", uint32ToVariant>,
     Service<"SingleToVariant", singleToVariant>,
     Service<"REALSetPropValueInteger", setPropertyInteger>,
     Service<"REALSetPropValueString", setPropertyString>,
@@ -93,17 +105,21 @@ using AllServices = Table< //
     Service<"PluginStringArrayInsertProc", stringArrayInsertProcedure>,
     Service<"PluginObjectArrayInsertProc", objectArrayInsertProcedure>,
     Service<"REALLoadObjectMethod", loadObjectMethod>,
-    Service<"REALLoadGlobalMethod", loadGlobalMethod>, Service<"REALBuildString", buildString>,
+    Service<"REALLoadGlobalMethod", loadGlobalMethod>,
+    Service<"REALBuildString", buildString>,
     Service<"REALBuildStringWithEncoding", buildStringWithEncoding>,
     Service<"REALConvertString", convertString>,
     Service<"REALSetStringEncoding", setStringEncoding>,
-    Service<"REALGetStringEncoding", stringEncoding>, Service<"StringGetCString", stringBytes>,
+    Service<"REALGetStringEncoding", stringEncoding>,
+    Service<"StringGetCString", stringBytes>,
     Service<"PluginDisposeStringData", disposeStringData>,
     Service<"REALGetStringCFString", stringCFString>,
     Service<"REALFolderItemFromParentFSRef", folderItemFromParent>,
-    Service<"newMemoryBlock", newMemoryBlock>, Service<"memoryBlockGetPtr", pointerOfMemoryBlock>,
+    Service<"newMemoryBlock", newMemoryBlock>,
+    Service<"memoryBlockGetPtr", pointerOfMemoryBlock>,
     Service<"memoryBlockGetSize", sizeOfMemoryBlock>,
     Service<"PluginCallFunctionWithExceptionHandler", callWithExceptionHandler>>;
+// clang-format on
 
 constexpr std::size_t notFound = AllServices::entries.size();
 
@@ -118,22 +134,6 @@ std::size_t existingIndex(std::string_view name) {
         throw UsageError("there is no host service \"" + std::string(name) +
                          "\"; the nearest is \"" + Services::nearest(name) + '"');
     return index;
-}
-
-/// Single-character insertions, deletions and replacements between two names.
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (folded(a[i]) == folded(b[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
 }
 
 } // namespace
@@ -177,16 +177,16 @@ std::size_t Services::calls(std::string_view name) const {
 }
 
 void *Services::find(const char *name) {
-    Host &host = Host::current();
+    Core &core = Core::current();
     if (name == nullptr) {
-        host.heap().violation("the resolver was asked for a service without a name");
+        core.heap.violation("the resolver was asked for a service without a name");
         return nullptr;
     }
     const std::size_t index = indexOf(name);
     const bool found = index != notFound && states_[index].mode != ServiceMode::missing;
     if (index != notFound)
         ++states_[index].lookups;
-    host.tracer().lookup(name, found);
+    core.trace.lookup(name, found);
     return found ? AllServices::entries[index].function() : nullptr;
 }
 
@@ -210,8 +210,9 @@ bool Services::has(std::string_view name) {
 }
 
 std::string Services::nearest(std::string_view name) {
-    return std::string(std::ranges::min(
-        names(), {}, [name](std::string_view candidate) { return editDistance(name, candidate); }));
+    return std::string(std::ranges::min(names(), {}, [name](std::string_view candidate) {
+        return editDistance(foldedName(name), foldedName(candidate));
+    }));
 }
 
 } // namespace host

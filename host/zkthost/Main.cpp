@@ -6,6 +6,7 @@
 #include "host/Host.h"
 #include "host/classes/Description.h"
 #include "host/core/Cocoa.h"
+#include "host/core/Core.h"
 #include "host/core/PluginCall.h"
 #include "host/crash/CrashHandler.h"
 #include "host/zkthost/Call.h"
@@ -99,10 +100,11 @@ Status reference(host::Host &host, const Options &options) {
 Status describe(host::Host &host, const host::Image &image, host::DescriptionFormat format) {
     using host::DescriptionFormat;
     const ImageFacts facts = factsOf(image.file());
-    const std::string classes = describeClasses(host, format);
+    const std::string classes = describeClasses(host.classes(), format);
     if (format == DescriptionFormat::json)
-        print(host::jsonText(
-            {{"schema", 1}, {"image", factsAsJson(facts)}, {"classes", classesAsJson(host)}}));
+        print(host::jsonText({{"schema", 1},
+                              {"image", factsAsJson(facts)},
+                              {"classes", classesAsJson(host.classes())}}));
     else if (format == DescriptionFormat::markdown)
         print(factsAsMarkdown(facts) + '\n' + classes + importsAsMarkdown(facts));
     else
@@ -115,7 +117,7 @@ Status describe(host::Host &host, const host::Image &image, host::DescriptionFor
 Status programVerdict(host::Host &host) {
     host.shutDown();
     const Status status = verdict(host);
-    const std::vector<std::string> circles = host::program::circles(host);
+    const std::vector<std::string> circles = host::program::circles();
     for (const std::string &circle : circles)
         printError("leak: " + circle + '\n');
     return circles.empty() ? status : misbehaved;
@@ -253,7 +255,7 @@ int main(int argc, char **argv) {
     // Outside of what exceptions leave: an NSException may live in the host's autorelease pool.
     host::Host host(options.host);
     if (options.trace)
-        traceLive(host.tracer());
+        traceLive(host::Core::current().trace);
     try {
         Status status = fine;
         const auto cocoa = cocoaExceptionFrom([&] { status = run(host, options); });

@@ -2,11 +2,11 @@
 
 #include "host/Host.h"
 #include "host/classes/Inspect.h"
-#include "host/core/Trace.h"
+#include "host/core/Text.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <cmath>
 #include <vector>
 
 namespace zkthost {
@@ -17,63 +17,39 @@ using namespace host;
 
 constexpr std::size_t shownBytes = 16; // of a memory block
 
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return std::to_string(count) + ' ' + std::string(count == 1 ? one : many);
-}
-
-/// As JSON writes it: readable, and on one line whatever is in it.
-std::string quoted(const std::string &utf8) {
-    return jsonLine(utf8);
-}
-
 std::string bytesOf(ObjectHandle block, std::size_t limit, std::string_view separator) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text;
     for (const char c : memoryBlockBytes(block).substr(0, limit)) {
-        const auto byte = static_cast<unsigned char>(c);
         text += text.empty() ? "" : separator;
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
+        text += hexadecimal(static_cast<unsigned char>(c), 2);
     }
     return text;
 }
 
-std::string dateText(ObjectHandle date) {
-    const DateParts parts = dateParts(date);
-    std::array<char, 128> text{};
-    std::snprintf(text.data(), text.size(), "%04lld-%02lld-%02lld %02lld:%02lld:%02lld",
-                  static_cast<long long>(parts.year), static_cast<long long>(parts.month),
-                  static_cast<long long>(parts.day), static_cast<long long>(parts.hour),
-                  static_cast<long long>(parts.minute), static_cast<long long>(parts.second));
-    return text.data();
-}
-
-/// A value that holds no others, by its type, the value as text and the value as JSON.
+/// A value that holds no others, as text and as JSON.
 struct Leaf {
-    std::string type;
     std::string text;
     Json json;
 };
 
 Leaf leafOf(const VariantContent &content) {
     const Value &value = content.value;
-    const std::string name(nameOf(content.type));
     switch (content.type) {
     case VariantType::string:
-        return {name, quoted(value.text()), value.text()};
+        return {jsonLine(value.text()), value.text()};
     case VariantType::integer:
-        return {name, std::to_string(value.integer()), value.integer()};
+        return {std::to_string(value.integer()), value.integer()};
     case VariantType::uint32:
-        return {name, std::to_string(value.unsignedInteger()), value.unsignedInteger()};
+        return {std::to_string(value.unsignedInteger()), value.unsignedInteger()};
     case VariantType::boolean:
-        return {name, value.boolean() ? "true" : "false", value.boolean()};
+        return {value.boolean() ? "true" : "false", value.boolean()};
     case VariantType::real:
     case VariantType::single:
         break;
     }
     const bool isSingle = content.type == VariantType::single;
     const double number = value.number();
-    return {name, isSingle ? shortestSingle(number) : shortest(number), number};
+    return {isSingle ? shortestSingle(number) : shortest(number), number};
 }
 
 /// Containers that are being shown, from the outermost in: what holds itself would have no end.
@@ -113,8 +89,10 @@ void addTree(std::string &text, const Value &value, std::size_t depth) {
     if (object.handle() == nullptr) {
         text += "nil";
     } else if (type == "Variant") {
-        const Leaf leaf = leafOf(variant(object));
-        text += leaf.type == "String" ? leaf.text : leaf.type + ' ' + leaf.text;
+        const VariantContent content = variant(object);
+        if (content.type != VariantType::string)
+            text += std::string(nameOf(content.type)) + ' ';
+        text += leafOf(content).text;
     } else if (inside.isRepeated()) {
         text += type + " (not shown again)";
     } else if (type == "Array") {
@@ -132,13 +110,13 @@ void addTree(std::string &text, const Value &value, std::size_t depth) {
             addTree(text, entry.value, depth + 1);
         }
     } else if (type == "Date") {
-        text += "Date " + dateText(object);
+        text += "Date " + describe(dateParts(object));
     } else if (type == "MemoryBlock") {
         const std::uint64_t size = memoryBlockSize(object);
         text += "MemoryBlock, " + counted(size, "byte", "bytes") + (size > 0 ? ": " : "") +
                 bytesOf(object, shownBytes, " ") + (size > shownBytes ? " ..." : "");
     } else if (type == "FolderItem") {
-        text += "FolderItem " + quoted(folderItem(object).path.string());
+        text += "FolderItem " + jsonLine(folderItem(object).path.string());
     } else {
         text += type;
     }
@@ -169,24 +147,6 @@ Json entriesAsJson(ObjectHandle dictionary) {
 
 } // namespace
 
-std::string_view nameOf(VariantType type) {
-    switch (type) {
-    case VariantType::string:
-        return "String";
-    case VariantType::integer:
-        return "Integer";
-    case VariantType::uint32:
-        return "UInt32";
-    case VariantType::boolean:
-        return "Boolean";
-    case VariantType::single:
-        return "Single";
-    case VariantType::real:
-        break;
-    }
-    return "Double";
-}
-
 std::string treeAsText(const Value &value) {
     std::string text;
     addTree(text, value, 0);
@@ -202,8 +162,9 @@ Json treeAsJson(const Value &value) {
     Json json = Json::object();
     json["type"] = type;
     if (type == "Variant") {
-        Leaf leaf = leafOf(variant(object));
-        json["type"] = leaf.type;
+        const VariantContent content = variant(object);
+        Leaf leaf = leafOf(content);
+        json["type"] = std::string(nameOf(content.type));
         const bool isNumber =
             !leaf.json.is_number_float() || std::isfinite(leaf.json.get<double>());
         json["value"] = std::move(leaf.json);
@@ -217,7 +178,7 @@ Json treeAsJson(const Value &value) {
     } else if (type == "Dictionary") {
         json["entries"] = entriesAsJson(object);
     } else if (type == "Date") {
-        json["value"] = dateText(object);
+        json["value"] = describe(dateParts(object));
     } else if (type == "MemoryBlock") {
         json["size"] = memoryBlockSize(object);
         json["bytes"] = bytesOf(object, std::string::npos, "");

@@ -2,17 +2,12 @@
 
 // A host value with everything in it.
 
-#include "host/classes/Inspect.h"
 #include "host/core/Json.h"
 #include "host/language/Value.h"
 
 #include <string>
-#include <string_view>
 
 namespace zkthost {
-
-/// "Integer"
-std::string_view nameOf(host::VariantType type);
 
 /// Lines of text, the first for the value itself, what it holds indented below; dictionaries sorted
 /// by key:

@@ -3,6 +3,8 @@
 #import "ActivityScene.h"
 
 #include "Caught.h"
+#include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 #include "host/family/Siblings.h"
 #include "host/memory/Heap.h"
 
@@ -38,7 +40,7 @@ void expectRefusal(const host::Outcome &outcome, const char *what) {
 
 // The data of the one live activity; nobody has a reference to it that could be used.
 ActivityFields fieldsOfAbandoned(host::Host &host) {
-    for (const host::Object *object : host.heap().liveObjects())
+    for (const host::Object *object : host::Core::current().heap.liveObjects())
         if (object->type->name == activityClass)
             return fieldsOf(host, const_cast<host::Object *>(object)->handle());
     ADD_FAILURE() << "there is no activity";

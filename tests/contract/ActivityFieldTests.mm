@@ -4,6 +4,7 @@
 #import "ActivityScene.h"
 
 #include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 #include "macos/standin/StandIn.h"
 
 #include <gmock/gmock.h>
@@ -140,7 +141,7 @@ class ActivityDataPlace : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(ActivityDataPlace, IsWhereTheHostPutIt) {
     host::Host host;
-    host.classes().placeData(activityClass, GetParam());
+    host::Core::current().classes.placeData(activityClass, GetParam());
     host::Image &image = host.loadPlugin(imageUnderTest());
     ASSERT_EQ(host.registeredRecords().back()->dataOffset, GetParam());
     const Traced shared("shared"), token("token");

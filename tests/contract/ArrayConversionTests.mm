@@ -5,6 +5,7 @@
 #import "ValueScene.h"
 
 #include "host/classes/Inspect.h"
+#include "host/core/Text.h"
 
 #include <gmock/gmock.h>
 

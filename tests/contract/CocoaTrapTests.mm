@@ -2,6 +2,7 @@
 
 #import "ActingObject.h"
 
+#include "host/core/Core.h"
 #include "host/family/Siblings.h"
 
 #import <Foundation/Foundation.h>
@@ -224,7 +225,7 @@ TEST(CocoaTrap, LetsTheFailingSendOutWithoutSibling) {
 TEST(CocoaTrap, FindsASiblingThatArrivesLater) {
     ActingScene scene(raiseNR, host::Siblings::none);
     EXPECT_TRUE(leavingException([&] { scene.host.get(scene.info, "processIdentifier"); }));
-    host::siblings::installExceptions();
+    host::siblings::installExceptions(host::Core::current());
     EXPECT_TRUE(scene.host.get(scene.info, "processIdentifier").raised());
 }
 

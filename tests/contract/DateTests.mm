@@ -8,6 +8,7 @@
 #include "TraceLines.h"
 
 #include "host/classes/Inspect.h"
+#include "host/core/Text.h"
 
 #include <gmock/gmock.h>
 

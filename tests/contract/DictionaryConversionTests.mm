@@ -3,6 +3,8 @@
 #import "DictionaryScene.h"
 #import "OwnObject.h"
 
+#include "host/core/Text.h"
+
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;

@@ -5,6 +5,7 @@
 
 #include "Caught.h"
 
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 
 #include <gmock/gmock.h>
@@ -45,7 +46,7 @@ private:
 host::ObjectHandle onlyDictionary;
 
 host::ObjectHandle handOutTheOnlyDictionary(const char *) {
-    host::Host::current().heap().lock(onlyDictionary);
+    host::Core::current().heap.lock(onlyDictionary);
     return onlyDictionary;
 }
 

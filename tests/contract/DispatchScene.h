@@ -32,9 +32,9 @@ struct DispatchScene : LoadedPlugin {
         return host::ObjectRef::adopt(walkRaw(object, required));
     }
 
-    void know(std::string hostClass) { addWrapperClass(host, std::move(hostClass)); }
+    void know(std::string hostClass) { addWrapperClass(std::move(hostClass)); }
     void knowCoreFoundation(std::string hostClass, const CoreFoundationData &data = {}) {
-        addCoreFoundationClass(host, std::move(hostClass), data);
+        addCoreFoundationClass(std::move(hostClass), data);
     }
     /// The trace's requests for instances.
     [[nodiscard]] std::vector<std::string> requests() const {

@@ -7,6 +7,7 @@
 #include "LoadedPlugin.h"
 #import "ScriptedProcessInfo.h"
 
+#include "host/core/Core.h"
 #include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
@@ -92,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Family, IsNotLookedForByTheOtherOperations) {
     LoadedPlugin loaded({.siblings = host::Siblings::none});
     const auto instance = loaded.host.newInstance(processInfoClass);
-    siblings::installExceptions();
+    siblings::installExceptions(host::Core::current());
     siblings::installRegistry();
     loaded.host.call(instance, "Constructor");
     loaded.host.call(instance, "Constructor");
@@ -154,7 +155,7 @@ TEST(Family, MayBringTheRegistryLater) {
 TEST(Family, MayBringExceptionSupportLater) {
     LoadedPlugin loaded({.siblings = host::Siblings::registry});
     const auto before = sharedInstance(loaded.host);
-    siblings::installExceptions();
+    siblings::installExceptions(host::Core::current());
     const auto after = sharedInstance(loaded.host);
     EXPECT_EQ(siblings::prepareCount(), 1u);
 }

@@ -46,6 +46,7 @@ struct Scene : LoadedPlugin {
     [[nodiscard]] std::string describe(const host::Value &value, id wrapped = nil) const;
     std::string describe(host::ObjectHandle object, id wrapped = nil) const;
     std::string describe(host::StringHandle string) const;
+    std::string describeOther(host::ObjectHandle object, id wrapped) const;
 
     /// Runs the act with these services in that state, in this process, and tells what is to be
     /// seen.

@@ -2,9 +2,12 @@
 
 #include "ActingObject.h"
 #include "ActivityScene.h"
+#include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"
-#include "host/classes/Payload.h"
+#include "host/classes/NativeData.h"
 #include "host/core/Cocoa.h"
+#include "host/core/Core.h"
+#include "host/core/Text.h"
 #include "host/memory/Heap.h"
 
 #include <cstdio>
@@ -18,35 +21,15 @@ namespace matrix {
 
 namespace {
 
-template <class Things, class Describe>
-std::string joined(const Things &things, Describe describe) {
-    std::string text;
-    for (const auto &thing : things)
-        text += (text.empty() ? "" : ", ") + describe(thing);
-    return text;
-}
-
-const char *typeName(host::VariantType type) {
-    constexpr const char *names[] = {"String", "Integer", "Double", "Boolean", "UInt32", "Single"};
-    return names[static_cast<std::size_t>(type)];
-}
-
-std::string describeDate(const host::DateParts &date) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(date.year),
-                  static_cast<int>(date.month), static_cast<int>(date.day),
-                  static_cast<int>(date.hour), static_cast<int>(date.minute),
-                  static_cast<int>(date.second));
-    return text;
-}
-
 /// What geometry classes hold, 0 to 4 numbers.
 template <class Number>
 std::string numbers(const void *data, std::size_t count) {
     std::vector<Number> values(count);
     std::memcpy(values.data(), data, count * sizeof(Number));
-    return joined(values,
-                  [](Number value) { return std::to_string(static_cast<std::int64_t>(value)); });
+    std::string text;
+    for (const Number value : values)
+        text += (text.empty() ? "" : ", ") + std::to_string(static_cast<std::int64_t>(value));
+    return text;
 }
 
 /// "Name: reason" of each of the trap's lines in what was written to stderr.
@@ -109,7 +92,7 @@ host::ObjectRef Scene::begunActivity() {
     host::ObjectRef activity = host.newInstance(activityClass);
     ActivityFields fields{.token = token, .options = 255, .active = 1};
     [token retain];
-    fields.reason = host.heap().makeString("why", host::encoding::utf8).handle();
+    fields.reason = host::Core::current().heap.makeString("why", host::encoding::utf8).handle();
     std::memcpy(host.dataOf(activity), &fields, sizeof fields);
     return activity;
 }
@@ -136,7 +119,7 @@ std::string Scene::seen(const host::Outcome &outcome) {
 }
 
 std::string Scene::taken(host::ObjectHandle result, id wrapped) {
-    const host::Object *found = host.heap().find(result);
+    const host::Object *found = host::Core::current().heap.find(result);
     std::string text = describe(result, wrapped);
     if (found != nullptr && found->pluginReferences() <= 0)
         return text + " without a reference";
@@ -150,46 +133,23 @@ std::string Scene::taken(host::StringHandle result) {
 }
 
 std::string Scene::describe(const host::Value &value, id wrapped) const {
-    if (const auto *reference = std::get_if<host::StringRef>(&value))
-        return describe(reference->handle());
-    if (const auto *reference = std::get_if<host::ObjectRef>(&value))
-        return describe(reference->handle(), wrapped);
-    return host::describe(value);
+    return describeDeep(value,
+                        [&](host::ObjectHandle handle) { return describeOther(handle, wrapped); });
 }
 
 std::string Scene::describe(host::StringHandle string) const {
-    if (string == nullptr)
-        return "nil";
-    const std::string text = '"' + host.bytes(string) + '"';
-    return host.encodingOf(string) == host::encoding::utf8 ? text : text + " undeclared";
+    return describe(host::Value(host::StringRef::share(string)));
 }
 
 std::string Scene::describe(host::ObjectHandle handle, id wrapped) const {
-    const host::Object *found = host.heap().find(handle);
-    if (found == nullptr)
-        return handle == nullptr ? "nil" : "no object";
-    const std::string name = found->type->name;
-    const auto inside = [&](const host::Value &value) { return describe(value); };
+    if (handle != nullptr && !host.isLive(handle))
+        return "no object";
+    return describe(host::Value(host::ObjectRef::share(handle)), wrapped);
+}
+
+std::string Scene::describeOther(host::ObjectHandle handle, id wrapped) const {
+    const std::string name = host.className(handle);
     const void *data = host.dataOf(handle);
-    if (const auto *variant = std::get_if<host::VariantContent>(&found->payload))
-        return std::string(typeName(variant->type)) + '(' + describe(variant->value) + ')';
-    if (const auto *array = std::get_if<host::ArrayData>(&found->payload))
-        return '[' + joined(array->elements, inside) + ']';
-    if (const auto *dictionary = std::get_if<host::DictionaryData>(&found->payload))
-        return '{' +
-               joined(dictionary->entries,
-                      [&](const auto &entry) {
-                          return describe(entry.first) + ": " + describe(entry.second);
-                      }) +
-               '}';
-    if (const auto *date = std::get_if<host::DateParts>(&found->payload))
-        return "Date(" + describeDate(*date) + ')';
-    if (const auto *block = std::get_if<host::MemoryData>(&found->payload))
-        return block->size > 16
-                   ? "MemoryBlock of " + std::to_string(block->size)
-                   : "MemoryBlock(" + host::inQuotes(host::memoryBlockBytes(handle)) + ')';
-    if (const auto *item = std::get_if<host::FolderContent>(&found->payload))
-        return "FolderItem(" + item->path.string() + (item->fromParent ? ")" : ", by path)");
     if (name == activityClass)
         return "activity(" + stateOf(handle) + ')';
     if (name == "NSRectZKT")

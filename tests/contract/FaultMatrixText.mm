@@ -74,7 +74,7 @@ void addOldHost(Operations &all, const std::string &name, const std::string &byt
 void addPlain(Operations &all) {
     all.push_back({.name = "text in Windows Latin 1",
                    .arrange = building("ab\xE9", host::encoding::windowsLatin1),
-                   .present = gives("\"ab\xE9\" undeclared"),
+                   .present = gives("\"ab\xE9\" in Windows Latin 1"),
                    .rows = stringBuilding(nothing, gives("\"ab\xE9\" undeclared"))});
     all.push_back({.name = "text of no bytes",
                    .arrange = building("", host::encoding::utf8),

@@ -3,6 +3,8 @@
 #include "CoreFoundationCalls.h"
 #include "CoreFoundationSpy.h"
 #include "host/Host.h"
+#include "host/core/Core.h"
+#include "host/core/Text.h"
 
 #include <CoreServices/CoreServices.h>
 
@@ -64,8 +66,7 @@ public:
         : watched_(watch.image != nullptr && watch.image->contains(caller)) {
         if (!watched_)
             return;
-        place_ =
-            host::Host::current().tracer().begin(std::string(function) + '(' + arguments + ')');
+        place_ = host::Core::current().trace.begin(std::string(function) + '(' + arguments + ')');
         if (const auto left = watch.callsToRefusal.find(function);
             left != watch.callsToRefusal.end() && left->second > 0)
             refused_ = --left->second == 0;
@@ -76,7 +77,7 @@ public:
     [[nodiscard]] bool isRefused() const { return refused_; }
     void result(const std::string &text) const {
         if (watched_)
-            host::Host::current().tracer().end(place_, " = " + text);
+            host::Core::current().trace.end(place_, " = " + text);
     }
     template <class Ref>
     Ref created(Ref object, const char *name) const {
@@ -263,7 +264,7 @@ void FileSpy::onCall(std::string_view function, std::function<void()> action) {
         return;
     }
     watch.lengths->before(function, [action = std::move(action)] {
-        host::Host::current().tracer().begin("CFStringGetLength");
+        host::Core::current().trace.begin("CFStringGetLength");
         action();
     });
 }

@@ -3,6 +3,7 @@
 #include "FileSpy.h"
 #include "LoadedPlugin.h"
 #include "host/classes/Inspect.h"
+#include "host/core/Text.h"
 
 #import <Foundation/Foundation.h>
 

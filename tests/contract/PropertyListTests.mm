@@ -3,6 +3,7 @@
 #import "ValueScene.h"
 
 #include "host/classes/Inspect.h"
+#include "host/core/Text.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
@@ -90,40 +91,44 @@ private:
 
 // What each kind of object is to become, as text. Nothing here asks the plug-in.
 
-std::string quoted(NSString *string) {
-    return [string length] == 0 ? "nil" : host::inQuotes([string UTF8String]);
+std::string expectedText(NSString *string) {
+    return [string length] == 0 ? "String(nil)"
+                                : std::string("String(\"") + [string UTF8String] + "\")";
 }
 
 std::string expected(id object);
 
 std::string expectedElements(NSArray *array) {
-    std::string result = "[";
+    std::string result;
     for (NSUInteger i = 0; i < [array count]; ++i)
-        result += expected([array objectAtIndex:i]) + ", ";
-    return result + ']';
+        result += (i == 0 ? "" : ", ") + expected([array objectAtIndex:i]);
+    return '[' + result + ']';
 }
 
 std::string expectedEntries(NSDictionary *dictionary) {
     NSArray *const keys = [dictionary allKeys];
-    std::string result = "{";
+    std::string result;
     for (NSUInteger i = 0; i < [keys count]; ++i) {
         id const key = [keys objectAtIndex:i];
-        result += expected(key) + ": " + expected([dictionary objectForKey:key]) + ", ";
+        result +=
+            (i == 0 ? "" : ", ") + expected(key) + ": " + expected([dictionary objectForKey:key]);
     }
-    return result + '}';
+    return '{' + result + '}';
 }
 
 std::string expectedNumber(NSNumber *number) {
     if (number == (id)kCFBooleanTrue || number == (id)kCFBooleanFalse)
-        return [number boolValue] ? "true" : "false";
+        return [number boolValue] ? "Boolean(true)" : "Boolean(false)";
     switch (*[number objCType]) {
     case 'i':
     case 'q':
-        return "integer " + std::to_string([number longLongValue]);
+        return "Integer(" + std::to_string([number longLongValue]) + ')';
     case 'Q':
-        return "unsigned " + std::to_string([number unsignedLongLongValue] % (1ULL << 32));
+        return "UInt32(" + std::to_string([number unsignedLongLongValue] % (1ULL << 32)) + ')';
+    case 'f':
+        return "Single(" + host::shortest([number doubleValue]) + ')';
     default:
-        return "real " + host::shortest([number doubleValue]);
+        return "Double(" + host::shortest([number doubleValue]) + ')';
     }
 }
 
@@ -134,20 +139,24 @@ std::string expectedDate(NSDate *date) {
         sys_days{2001y / January / 1} + seconds{static_cast<std::int64_t>(whole)};
     const sys_days midnight = floor<days>(moment);
     const year_month_day day{midnight};
-    return "date " + std::to_string(int{day.year()}) + '-' + std::to_string(unsigned{day.month()}) +
-           '-' + std::to_string(unsigned{day.day()}) + " + " +
-           std::to_string((moment - midnight).count());
+    const hh_mm_ss time{moment - midnight};
+    return "Date(" +
+           describe(host::DateParts{int{day.year()}, unsigned{day.month()}, unsigned{day.day()},
+                                    time.hours().count(), time.minutes().count(),
+                                    time.seconds().count()}) +
+           ')';
 }
 
 std::string expectedData(NSData *data) {
     return [data length] == 0
                ? "nil"
-               : "data " + std::string(static_cast<const char *>([data bytes]), [data length]);
+               : "MemoryBlock(" +
+                     host::inQuotes({static_cast<const char *>([data bytes]), [data length]}) + ')';
 }
 
 std::string expected(id object) {
     if ([object isKindOfClass:[NSString class]])
-        return quoted(object);
+        return expectedText(object);
     if ([object isKindOfClass:[NSNumber class]])
         return expectedNumber(object);
     if ([object isKindOfClass:[NSDate class]])
@@ -163,53 +172,6 @@ std::string expected(id object) {
     return "nil";
 }
 
-// The host's value in the same words.
-
-std::string actual(const host::Value &value);
-
-std::string actualObject(const host::ObjectRef &object) {
-    std::string type = host::Host::current().className(object);
-    std::string result;
-    if (type == "Array") {
-        for (const host::Value &element : host::arrayElements(object))
-            result += actual(element) + ", ";
-        return '[' + result + ']';
-    }
-    if (type == "Dictionary") {
-        for (const auto &[key, value] : host::dictionaryEntries(object))
-            result += actual(key) + ": " + actual(value) + ", ";
-        return '{' + result + '}';
-    }
-    if (type == "Date") {
-        const host::DateParts parts = host::dateParts(object);
-        return "date " + std::to_string(parts.year) + '-' + std::to_string(parts.month) + '-' +
-               std::to_string(parts.day) + " + " +
-               std::to_string(parts.hour * 3600 + parts.minute * 60 + parts.second);
-    }
-    if (type == "MemoryBlock")
-        return "data " + host::memoryBlockBytes(object);
-    return type;
-}
-
-std::string actual(const host::Value &value) {
-    struct Text {
-        std::string operator()(std::monostate) const { return "nil"; }
-        std::string operator()(std::int64_t number) const {
-            return "integer " + std::to_string(number);
-        }
-        std::string operator()(std::uint64_t number) const {
-            return "unsigned " + std::to_string(number);
-        }
-        std::string operator()(double number) const { return "real " + host::shortest(number); }
-        std::string operator()(bool truth) const { return truth ? "true" : "false"; }
-        std::string operator()(const host::StringRef &string) const {
-            return host::inQuotes(host::Host::current().text(string));
-        }
-        std::string operator()(const host::ObjectRef &object) const { return actualObject(object); }
-    };
-    return std::visit(Text{}, static_cast<const host::ValueAlternatives &>(value));
-}
-
 } // namespace
 
 TEST(PropertyList, IsConvertedWhole) {
@@ -220,7 +182,7 @@ TEST(PropertyList, IsConvertedWhole) {
         SCOPED_TRACE("seed " + std::to_string(seed) + ", list " + std::to_string(i));
         NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
         id const list = random.value(6);
-        EXPECT_EQ(actual(host::unboxed(scene.convert(list))), expected(list));
+        EXPECT_EQ(describeDeep(scene.convert(list)), expected(list));
         [pool drain];
     }
     EXPECT_EQ(scene.host.account().liveObjects, 0u);
@@ -234,5 +196,5 @@ TEST(PropertyList, OfHundredsOfValuesIsConvertedInOnePiece) {
     NSMutableDictionary *const list = [NSMutableDictionary dictionary];
     for (int i = 0; random.count < 800; ++i)
         [list setObject:random.value(5) forKey:[NSString stringWithFormat:@"branch %d", i]];
-    EXPECT_EQ(actual(scene.convertDictionary(list)), expected(list));
+    EXPECT_EQ(describeDeep(scene.convertDictionary(list)), expected(list));
 }

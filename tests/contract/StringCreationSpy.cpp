@@ -3,6 +3,8 @@
 #include "CoreFoundationCalls.h"
 #include "TraceLines.h"
 
+#include "host/core/Text.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <cstdio>

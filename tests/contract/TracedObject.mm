@@ -1,5 +1,7 @@
 #import "TracedObject.h"
 
+#include "host/core/Text.h"
+
 #include <utility>
 
 std::string traced(NSString *text) {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-// Host classes as other plug-ins of the family register them. An instance that dies gives back what
-// its data holds, and removes the registry's entry for it.
+// Classes of the current host, as other plug-ins of the family register them. An instance that dies
+// gives back what its data holds, and removes the registry's entry for it.
 
 /// The data of a Core Foundation wrapper.
 struct CoreFoundationData {
@@ -16,10 +16,9 @@ struct CoreFoundationData {
 };
 
 /// Data of 8 bytes: the Cocoa object, retained.
-void addWrapperClass(host::Host &host, std::string name);
+void addWrapperClass(std::string name);
 /// Each instance starts with this data.
-void addCoreFoundationClass(host::Host &host, std::string name,
-                            const CoreFoundationData &data = {});
+void addCoreFoundationClass(std::string name, const CoreFoundationData &data = {});
 
 /// The first field of an instance's data, borrowed.
 const void *wrappedBy(const host::Host &host, host::ObjectHandle instance);

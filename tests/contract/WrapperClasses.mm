@@ -1,6 +1,7 @@
 #include "WrapperClasses.h"
 
 #include "host/classes/ClassTable.h"
+#include "host/core/Core.h"
 #include "host/family/Siblings.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -19,17 +20,17 @@ static void releaseWrapped(host::ObjectHandle instance) {
     [(id)object release];
 }
 
-void addWrapperClass(host::Host &host, std::string name) {
-    host.classes().add(host::HostClass{
+void addWrapperClass(std::string name) {
+    host::Core::current().classes.add(host::HostClass{
         .name = std::move(name), .dataSize = sizeof(const void *), .destructor = releaseWrapped});
 }
 
-void addCoreFoundationClass(host::Host &host, std::string name, const CoreFoundationData &data) {
+void addCoreFoundationClass(std::string name, const CoreFoundationData &data) {
     const auto bytes = std::as_bytes(std::span(&data, 1));
-    host.classes().add(host::HostClass{.name = std::move(name),
-                                       .dataSize = bytes.size(),
-                                       .initialData = {bytes.begin(), bytes.end()},
-                                       .destructor = releaseWrapped});
+    host::Core::current().classes.add(host::HostClass{.name = std::move(name),
+                                                      .dataSize = bytes.size(),
+                                                      .initialData = {bytes.begin(), bytes.end()},
+                                                      .destructor = releaseWrapped});
 }
 
 const void *wrappedBy(const host::Host &host, host::ObjectHandle instance) {

@@ -29,7 +29,7 @@ struct Descriptions : testing::Test {
 };
 
 TEST_F(Descriptions, AsText) {
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::text),
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::text),
               R"(FirstZKT
   interface version 13, 16 bytes of instance data at 48, flags 4, constructor
 
@@ -53,7 +53,7 @@ SecondZKT
 }
 
 TEST_F(Descriptions, AsMarkdown) {
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::markdown),
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::markdown),
               R"(# FirstZKT
 
 interface version 13, 16 bytes of instance data at 48, flags 4, constructor.
@@ -91,7 +91,7 @@ interface version 13, 0 bytes of instance data at 48, flags 4.
 }
 
 TEST_F(Descriptions, AsJson) {
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::json),
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::json),
               R"([
   {
     "name": "FirstZKT",
@@ -176,9 +176,9 @@ TEST_F(Descriptions, AsJson) {
 
 TEST(EmptyDescription, SaysSo) {
     const Host host;
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::text), "no classes\n");
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::markdown), "No classes.\n");
-    EXPECT_EQ(describeClasses(host, DescriptionFormat::json), "[]\n");
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::text), "no classes\n");
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::markdown), "No classes.\n");
+    EXPECT_EQ(describeClasses(host.classes(), DescriptionFormat::json), "[]\n");
 }
 
 TEST(AccountLine, CountsInWords) {

@@ -1,3 +1,4 @@
+#include "host/core/UsageError.h"
 #include "host/language/Encodings.h"
 
 #include <gtest/gtest.h>

@@ -123,16 +123,11 @@ TEST(Image, WithheldStrongImportsAreMissing) {
                                   ": imports that this system does not have: hostTestStrong"));
 }
 
-TEST(Image, AllUnresolvedImportsAreListed) {
-    try {
-        openImage(imageNamed("Unresolved"));
-        FAIL() << "opened";
-    } catch (const ImageError &error) {
-        EXPECT_THAT(error.what(),
-                    AllOf(HasSubstr("imports that this system does not have:"),
-                          HasSubstr("firstMissingImport"), HasSubstr("secondMissingImport"),
-                          Not(HasSubstr("absentWeakImport"))));
-    }
+TEST(Image, AnUnresolvedImportIsNamed) {
+    const fs::path path = imageNamed("Unresolved");
+    EXPECT_THAT([&] { openImage(path); },
+                ThrowsMessage<ImageError>(path.string() + ": cannot be loaded: " + path.string() +
+                                          ": undefined symbol: secondMissingImport"));
 }
 
 TEST(BadImage, MissingFile) {
@@ -177,8 +172,7 @@ TEST(BadImage, SharedObjectWithoutTheEntryPointIsNotRun) {
 TEST(BadImage, OtherProcessors) {
     std::string content = contentOf(imageNamed("Minimal"));
     content[18] = '\xB7';
-    expectRefused(fileWith("aarch64.so", content), "a file for aarch64, but this process runs "
-                                                   "x86-64 code");
+    expectRefused(fileWith("aarch64.so", content), "no shared object for x86-64");
     content[4] = 1;
     expectRefused(fileWith("narrow.so", content), "");
 }
@@ -186,7 +180,7 @@ TEST(BadImage, OtherProcessors) {
 TEST(BadImage, NoSharedObject) {
     std::string content = contentOf(imageNamed("Minimal"));
     content[16] = 1;
-    expectRefused(fileWith("object.o", content), "an ELF file, but no shared object");
+    expectRefused(fileWith("object.o", content), "no shared object for x86-64");
 }
 
 TEST(BadImage, CutAnywhere) {

@@ -1,4 +1,5 @@
 #include "host/classes/Inspect.h"
+#include "host/core/Core.h"
 #include "host/memory/Heap.h"
 #include "tests/host/FakePlugin.h"
 
@@ -349,7 +350,7 @@ TEST_F(Invoker, ResultThatIsNoHandleIsAViolation) {
     EXPECT_THAT(host.violations(),
                 ElementsAre(HasSubstr("wildResult: got a pointer that is no host object"),
                             HasSubstr("notAString: got Date#2 where a string is needed")));
-    unlockObject(host.heap().liveObjects().back()->handle());
+    unlockObject(host::Core::current().heap.liveObjects().back()->handle());
 }
 
 TEST_F(Invoker, ResultOfAnotherClassIsAViolation) {

@@ -1,3 +1,4 @@
+#include "host/core/Core.h"
 #include "host/family/Siblings.h"
 
 #include "tests/host/FakePlugin.h"
@@ -151,7 +152,7 @@ TEST_F(SiblingPresenceDeathTest, NoneAreThereUntilInstalled) {
         siblings::installRegistry();
         right = right && responds(@selector(GetInstancesDictionaryZKT)) &&
                 !responds(@selector(PrepareNSExceptionZKT));
-        siblings::installExceptions();
+        siblings::installExceptions(Core::current());
         right = right && responds(@selector(NewNSExceptionZKT:)) &&
                 responds(@selector(PrepareNSExceptionZKT)) && wrap(sampleException()) != nullptr;
         endWith(right);

@@ -37,7 +37,7 @@ Ran runProgram(std::string_view text) {
             result.uncaught = atTheEnd;
     }
     host.shutDown();
-    result.circles = program::circles(host);
+    result.circles = program::circles();
     result.violations = host.violations();
     result.account = host.account();
     return result;

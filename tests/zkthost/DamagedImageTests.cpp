@@ -142,7 +142,7 @@ TEST_F(DamagedImage, BundleForAnUnknownProcessor) {
 
 TEST_F(DamagedImage, ObjectForAnotherProcessor) {
     setNumber(linuxObject, offsetof(Elf64_Ehdr, e_machine), std::uint16_t{EM_AARCH64});
-    expectRefused(linuxObject, "aarch64");
+    expectRefused(linuxObject, "no shared object for x86-64");
 }
 
 TEST_F(DamagedImage, ObjectOfAnotherWordSize) {
@@ -203,11 +203,9 @@ TEST_F(DamagedImage, BundleThatImportsAnUnknownClass) {
     expectRefused(macos, "NSProcessXnfo");
 }
 
-TEST_F(DamagedImage, ObjectThatImportsUnknownFunctions) {
+TEST_F(DamagedImage, ObjectThatImportsAnUnknownFunction) {
     replaceAll(linuxObject, "CFStringGetLength", "CFStringGetLenghX");
-    replaceAll(linuxObject, "CFDictionaryGetValue", "CFDictionaryGetVolue");
-    expectRefused(linuxObject, "CFStringGetLenghX");
-    expectRefused(linuxObject, "CFDictionaryGetVolue");
+    expectRefused(linuxObject, "undefined symbol: CFStringGetLenghX");
 }
 
 namespace {

@@ -1,15 +1,13 @@
 #pragma once
 
-// What the host keeps in C++ about instances of its own classes. The references inside are the
-// host's and go when the object does.
+// What the host keeps in C++ about instances of its own classes, besides VariantContent, DateParts
+// and FolderContent. The references inside are the host's and go when the object does.
 
 #include "host/classes/Inspect.h"
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <unordered_map>
-#include <variant>
 #include <vector>
 
 namespace host {
@@ -24,12 +22,8 @@ struct DictionaryData {
     std::unordered_map<std::string, std::size_t> places; ///< from a key's identity
 };
 
-struct FreeBytes {
-    void operator()(std::byte *bytes) const { std::free(bytes); }
-};
-
 struct MemoryData {
-    std::unique_ptr<std::byte[], FreeBytes> bytes;
+    std::shared_ptr<std::byte[]> bytes;
     std::uint64_t size = 0;
 };
 
@@ -37,8 +31,5 @@ struct ExceptionData {
     StringRef message;
     std::int64_t errorNumber = 0;
 };
-
-using Payload = std::variant<std::monostate, VariantContent, ArrayData, DictionaryData, DateParts,
-                             MemoryData, FolderContent, ExceptionData>;
 
 } // namespace host

@@ -1,0 +1,31 @@
+# cmake -DROOT=FOLDER -P Rooms.cmake: fails when an include leads from a room to a higher one.
+cmake_minimum_required(VERSION 3.25)
+
+# From the lowest room to the highest.
+set(plugin frame bridge convert processinfo)
+set(host host/core host/crash host/image host/memory host/language host/classes host/services host/family host
+    host/program host/zkthost)
+
+set(wrong "")
+foreach(house plugin host)
+    foreach(room ${${house}})
+        list(FIND ${house} ${room} floor)
+        file(GLOB files RELATIVE ${ROOT} ${ROOT}/${room}/*.h ${ROOT}/${room}/*.cpp ${ROOT}/${room}/*.mm)
+        if(NOT files AND NOT room STREQUAL "host/program")
+            string(APPEND wrong "${room}: no such room\n")
+        endif()
+        foreach(file ${files})
+            file(STRINGS ${ROOT}/${file} lines REGEX "^#(include|import) \"")
+            foreach(line ${lines})
+                string(REGEX REPLACE "^[^\"]*\"(.*)/[^/\"]*\".*" "\\1" included "${line}")
+                list(FIND ${house} ${included} other)
+                if(other GREATER floor OR (house STREQUAL "plugin" AND other EQUAL -1))
+                    string(APPEND wrong "${file}: ${line}\n")
+                endif()
+            endforeach()
+        endforeach()
+    endforeach()
+endforeach()
+if(wrong)
+    message(FATAL_ERROR "Includes that lead up, or out of the plug-in:\n${wrong}")
+endif()
