@@ -8,6 +8,7 @@
 #include "host/memory/Heap.h"
 #include "host/program/Session.h"
 
+#include <any>
 #include <array>
 #include <cctype>
 #include <cstdint>
@@ -158,13 +159,13 @@ bool writesPointers(std::string text) {
 
 /// What a program leaves in circles.
 void breakCircles() {
-    Heap &heap = plugin().Core::current().heap;
+    Heap &heap = Core::current().heap;
     std::vector<ObjectHandle> handles;
     for (const Object *object : heap.liveObjects())
         handles.push_back(object->handle());
     for (ObjectHandle handle : handles)
         if (Object *object = heap.find(handle); object != nullptr && object->life == Life::alive)
-            const Payload held = std::exchange(object->payload, Payload{});
+            const std::any held = std::exchange(object->payload, std::any{});
 }
 
 } // namespace
