@@ -128,9 +128,13 @@ INSTANTIATE_TEST_SUITE_P(, ReportOfACrash, testing::Values(macosImage(), linuxIm
 // The system's gethostname crashes, which Foundation asks for a unique name: the plug-in itself has
 // no such fault.
 TEST_P(ReportOfACrash, HasWhatCameBefore) {
-    setenv("LD_PRELOAD", CRASHING_HOST_NAME, 1);
+    // The dynamic linker takes a blank in this list for its end, in a folder's name too.
+    const std::filesystem::path library = CRASHING_HOST_NAME;
+    setenv("LD_LIBRARY_PATH", library.parent_path().c_str(), 1);
+    setenv("LD_PRELOAD", library.filename().c_str(), 1);
     const Finished run = zkthost({"report"}, GetParam().path);
     unsetenv("LD_PRELOAD");
+    unsetenv("LD_LIBRARY_PATH");
     EXPECT_EQ(run.signal, 0);
     EXPECT_EQ(run.status, crashStatus);
     EXPECT_THAT(run.out, ContainsRegex("\n  operatingSystemVersionString +String +[^ \n]+\n$"));
