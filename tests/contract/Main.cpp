@@ -1,8 +1,8 @@
 #include "CommandLine.h"
-#include "FaultMatrix.h"
 #include "ImageUnderTest.h"
 #include "IsolatedRun.h"
 #include "RowMessages.h"
+#include "tests/contract/matrix/FaultMatrix.h"
 
 #include "host/core/Cocoa.h"
 
