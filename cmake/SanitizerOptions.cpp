@@ -1,4 +1,5 @@
-// Compiled into sanitized programs.
+// Compiled into sanitized programs, whose runtime asks these names.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 
 // What the platform allocates once and keeps: the Objective-C runtime its classes and selectors,
 // Foundation its singletons, the dynamic linker its lists of libraries. Their frames cannot be
@@ -21,3 +22,5 @@ const char *__lsan_default_options() {
 const char *__asan_default_options() {
     return "symbolize=0";
 }
+
+// NOLINTEND(bugprone-reserved-identifier)

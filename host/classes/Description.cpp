@@ -109,12 +109,12 @@ Json methodsAsJson(const std::vector<Method> &methods) {
         Json parameters = Json::array();
         for (const Parameter &parameter : method.parsed.parameters)
             parameters.push_back({{"name", parameter.name}, {"type", describe(parameter.type)}});
-        array.push_back(
-            {{"declaration", method.declaration},
-             {"name", method.parsed.name},
-             {"parameters", std::move(parameters)},
-             {"result", method.parsed.result ? Json(describe(*method.parsed.result)) : Json()},
-             {"flags", method.flags}});
+        const auto &result = method.parsed.result;
+        array.push_back({{"declaration", method.declaration},
+                         {"name", method.parsed.name},
+                         {"parameters", std::move(parameters)},
+                         {"result", result ? Json(describe(*result)) : Json()},
+                         {"flags", method.flags}});
     }
     return array;
 }

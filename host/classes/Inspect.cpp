@@ -42,7 +42,7 @@ std::string describeDeep(const Value &value,
                          const std::function<std::string(ObjectHandle)> &other) {
     if (const auto *string = std::get_if<StringRef>(&value)) {
         const String &found = *Core::current().heap.find(string->handle());
-        const std::string text = '"' + found.bytes + '"';
+        std::string text = '"' + found.bytes + '"';
         if (found.encoding == encoding::utf8)
             return text;
         return text + (found.encoding == encoding::unknown

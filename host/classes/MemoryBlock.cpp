@@ -46,7 +46,7 @@ std::byte *byteAt(Core &core, ObjectHandle handle, std::int64_t index) {
     const auto *data = payloadOf<MemoryData>(core.heap, handle, className);
     if (data == nullptr)
         return nullptr;
-    if (index >= 0 && static_cast<std::uint64_t>(index) < data->size)
+    if (index >= 0 && std::cmp_less(index, data->size))
         return data->bytes.get() + index;
     raiseNew(core, "OutOfBoundsException",
              "byte " + std::to_string(index) + " of a memory block of " +

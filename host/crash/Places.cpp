@@ -133,7 +133,7 @@ std::string placeInWords(std::uintptr_t address, const std::vector<LoadedImage> 
     const auto place = placeOf(address, images);
     if (!place)
         return hexadecimal(address) + ", where no code is";
-    const std::string where =
+    std::string where =
         std::filesystem::path(place->file).filename().string() + '+' + hexadecimal(place->offset);
 
     llvm::symbolize::LLVMSymbolizer::Options options;

@@ -187,6 +187,7 @@ Type typeNamed(std::string_view word) {
 
 std::vector<std::string> namesOfTypes() {
     std::vector<std::string> result;
+    result.reserve(typeNames.size());
     for (const TypeName &row : typeNames)
         result.emplace_back(row.name);
     return result;

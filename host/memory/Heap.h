@@ -63,8 +63,10 @@ struct Object : Counted {
     bool damaged = false;  ///< already reported
     bool finished = false; ///< the constructors ran to their end, so the destructors must
 
-    ObjectHandle handle() const { return reinterpret_cast<ObjectHandle>(memory.get()); }
-    std::byte *data() const { return memory.get() + layout.dataOffset; }
+    [[nodiscard]] ObjectHandle handle() const {
+        return reinterpret_cast<ObjectHandle>(memory.get());
+    }
+    [[nodiscard]] std::byte *data() const { return memory.get() + layout.dataOffset; }
 };
 
 struct String : Counted {

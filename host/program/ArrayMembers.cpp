@@ -9,6 +9,7 @@
 #include "host/program/Types.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace host::program {
@@ -54,12 +55,13 @@ Value indexOf(ArrayData &array, const Values &arguments) {
 }
 
 bool isNotANumber(const Value &value) {
-    return isNumber(value) && !(realOf(value) == realOf(value));
+    return isNumber(value) && std::isnan(realOf(value));
 }
 
 /// Numbers or strings; what is not a number stands last.
 Value sort(ArrayData &array, const Values & /*arguments*/) {
     std::vector<std::pair<Value, Value>> elements; // as compared, as kept
+    elements.reserve(array.elements.size());
     for (const Value &element : array.elements)
         elements.emplace_back(looked(array, element), element);
     const auto all = [&](auto test) {

@@ -39,12 +39,12 @@ void StatementParser::takeEnd(std::string_view end) {
 void StatementParser::statements(Block &block) {
     for (tokens_.skipLineEnds(); !tokens_.atEnd(); tokens_.skipLineEnds()) {
         const std::string_view end = endHere();
-        if (!opened_.empty() && startsProcedure()) {
-            return; // none stands inside of a block: the block is not closed
-        } else if (end.empty()) {
-            reporting([&] { statement(block); });
-        } else if (std::ranges::any_of(opened_, [&](const Opened &o) { return o.hasEnd(end); })) {
+        // No procedure stands inside of a block: before one, the block is not closed.
+        if ((!opened_.empty() && startsProcedure()) ||
+            std::ranges::any_of(opened_, [&](const Opened &o) { return o.hasEnd(end); }))
             return;
+        if (end.empty()) {
+            reporting([&] { statement(block); });
         } else {
             report({tokens_.next().at, std::string(end) + " closes nothing here"});
             tokens_.skipLine();

@@ -67,7 +67,7 @@ void Checker::resolve(TypeName &name) {
             names.push_back(known->name);
     around_.report(name.at, "there is no type " + name.type.className +
                                 nearestAmong(names, name.type.className));
-    name.type = unknownType;
+    name.type = unknownType();
 }
 
 Slot Checker::declare(const Identifier &name, const Type &type, bool isConstant) {
@@ -138,7 +138,7 @@ void Checker::check(Declare &statement, Position /*at*/) {
         statement.value == nullptr ? nullptr : std::get_if<Create>(&statement.value->what);
     if (made != nullptr && made->className.at == statement.type.at &&
         around_.classes.find(made->className.name) == nullptr)
-        statement.type.type = unknownType;
+        statement.type.type = unknownType();
     resolve(statement.type);
     bool valueIsChecked = false;
     for (Variable &variable : statement.variables) {
@@ -149,7 +149,8 @@ void Checker::check(Declare &statement, Position /*at*/) {
                                 "an upper bound");
         if (statement.value != nullptr && !std::exchange(valueIsChecked, true))
             expressions_.expect(*statement.value, type, variable.name.name);
-        else if (statement.value != nullptr && !fits(around_.classes, *statement.value->type, type))
+        else if (statement.value != nullptr &&
+                 !fits(around_.classes, statement.value->valueType(), type))
             around_.report(variable.name.at, variable.name.name + " is " + shown(type) + ", not " +
                                                  shown(statement.value->type));
         variable.slot = declare(variable.name, type);
@@ -158,7 +159,7 @@ void Checker::check(Declare &statement, Position /*at*/) {
 
 void Checker::check(DeclareConstant &statement, Position /*at*/) {
     expressions_.constantValue(*statement.value);
-    statement.slot = declare(statement.name, *statement.value->type, true);
+    statement.slot = declare(statement.name, statement.value->valueType(), true);
 }
 
 void Checker::check(ReDim &statement, Position /*at*/) {
@@ -226,7 +227,7 @@ void Checker::check(For &statement, Position /*at*/) {
         around_.report(statement.variable.name.at,
                        "a loop counts in numbers, not in " + shown(statement.variable.type));
     if (statement.step != nullptr && isInteger(statement.variable.type) &&
-        !isInteger(*statement.step->type) && !isVariant(*statement.step->type))
+        !isInteger(statement.step->valueType()) && !isVariant(statement.step->valueType()))
         around_.report(statement.step->at, "a loop that counts in Integers has no step of " +
                                                shown(statement.step->type));
     ++forLoops_;
@@ -239,10 +240,10 @@ void Checker::check(ForEach &statement, Position /*at*/) {
     Type element{.kind = TypeKind::variant};
     if (statement.collection != nullptr) {
         expressions_.value(*statement.collection);
-        const Type &type = *statement.collection->type;
+        const Type &type = statement.collection->valueType();
         if (type.isArray)
             element = elementOf(type);
-        else if (!(type == unknownType))
+        else if (!(type == unknownType()))
             around_.report(statement.collection->at,
                            "For Each goes through an array, not " + shown(type));
     }

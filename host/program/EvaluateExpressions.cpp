@@ -31,11 +31,11 @@ Value Evaluator::evaluate(const Expression &expression) {
 }
 
 Value Evaluator::evaluateAs(const Expression &expression, const Type &type) {
-    return converted(evaluate(expression), *expression.type, type);
+    return converted(evaluate(expression), expression.valueType(), type);
 }
 
 Value Evaluator::operand(const Expression &expression) {
-    return plain(evaluate(expression), *expression.type);
+    return plain(evaluate(expression), expression.valueType());
 }
 
 bool Evaluator::truthOf(const Expression &expression) {
@@ -60,15 +60,16 @@ Value Evaluator::evaluate(const Name &name, const Expression &whole) {
     if (const auto *procedure = std::get_if<const Procedure *>(&name.meaning))
         return call(**procedure, name);
     if (std::holds_alternative<ArrayLiteral>(name.meaning))
-        return arrayOf(name, elementOf(*whole.type));
+        return arrayOf(name, elementOf(whole.valueType()));
     if (const auto *function = std::get_if<const Function *>(&name.meaning)) {
         Values values;
         const auto &parameters = (*function)->declaration.parameters;
         for (std::size_t i = 0; i < parameters.size(); ++i) {
             const Expression &argument = *name.arguments.values[i];
             // Arrays of every type fit where one of Variants is declared.
-            values.push_back(argument.type->isArray ? evaluate(argument)
-                                                    : evaluateAs(argument, parameters[i].type));
+            values.push_back(argument.valueType().isArray
+                                 ? evaluate(argument)
+                                 : evaluateAs(argument, parameters[i].type));
         }
         return (*function)->run(values);
     }
@@ -107,7 +108,7 @@ Value Evaluator::evaluate(const Member &member, const Expression & /*whole*/) {
         std::vector<Parameter> parameters = (*arrayMember)->declaration.parameters;
         for (Parameter &parameter : parameters)
             if (isVariant(parameter.type))
-                parameter.type = elementOf(*member.target->type);
+                parameter.type = elementOf(member.target->valueType());
         const Values values = evaluateAll(arguments, parameters);
         return (*arrayMember)->run(elementsOf(array), values);
     }
@@ -122,7 +123,7 @@ Value Evaluator::evaluate(const Index &index, const Expression &whole) {
     const Value array = evaluate(*index.target);
     const std::int64_t place =
         evaluateAs(*index.arguments.front(), simpleType(TypeKind::integer)).integer();
-    return element(elementsOf(array), place, *whole.type);
+    return element(elementsOf(array), place, whole.valueType());
 }
 
 Value Evaluator::evaluate(const Create &create, const Expression & /*whole*/) {
@@ -138,28 +139,28 @@ Value Evaluator::evaluate(const Unary &unary, const Expression &whole) {
         isNumber(value) || (unary.op == Operator::notBits && std::holds_alternative<bool>(value));
     if (!isFitting || (unary.op == Operator::notBits && std::holds_alternative<double>(value)))
         raise("IllegalCastException", kindOf(value) + " is no operand here");
-    return converted(applied(unary.op, value), simpleType(TypeKind::variant), *whole.type);
+    return converted(applied(unary.op, value), simpleType(TypeKind::variant), whole.valueType());
 }
 
 Value Evaluator::evaluate(const Binary &binary, const Expression &whole) {
-    const bool isTruth = isBoolean(*whole.type);
+    const bool isTruth = isBoolean(whole.valueType());
     const bool isLogic = binary.op == Operator::andBits || binary.op == Operator::orBits;
     if (isLogic && isTruth) {
         // The right side only if it decides.
         const bool left = truthOf(*binary.left);
         return left == (binary.op == Operator::orBits) ? left : truthOf(*binary.right);
     }
-    const bool asksForNil =
-        isNil(*binary.left->type) || isNil(*binary.right->type) || binary.op == Operator::is;
+    const bool asksForNil = isNil(binary.left->valueType()) || isNil(binary.right->valueType()) ||
+                            binary.op == Operator::is;
     const Value left = operand(*binary.left);
     const Value right = operand(*binary.right);
     if (asksForNil && isTruth)
         return isSame(left, right) == (binary.op != Operator::unequal);
     const Value result = applied(binary.op, left, right);
     // Operators on Variants give what their contents give.
-    return isVariant(*whole.type) || isString(*whole.type)
+    return isVariant(whole.valueType()) || isString(whole.valueType())
                ? result
-               : converted(result, simpleType(TypeKind::variant), *whole.type);
+               : converted(result, simpleType(TypeKind::variant), whole.valueType());
 }
 
 Value Evaluator::evaluate(const IsA &isA, const Expression & /*whole*/) {

@@ -60,7 +60,7 @@ void Evaluator::run(const Program &program, std::size_t globalCount) {
 /// What the program declares has a value of its type from the beginning.
 void Evaluator::prepare(const Statement &statement) {
     if (const auto *constant = std::get_if<DeclareConstant>(&statement.what))
-        variable(constant->slot) = initialValue(*constant->value->type);
+        variable(constant->slot) = initialValue(constant->value->valueType());
     if (const auto *declaration = std::get_if<Declare>(&statement.what))
         for (const Variable &declared : declaration->variables)
             variable(declared.slot) =

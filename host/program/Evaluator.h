@@ -85,7 +85,7 @@ private:
     Flow run(const Assert &statement);
 
     Flow runCatches(const Try &statement);
-    const Catch *catchFor(const Try &statement, const Raised &raised) const;
+    [[nodiscard]] const Catch *catchFor(const Try &statement, const Raised &raised) const;
     void assignMember(const Member &target, const Value &value);
 
     // Expressions

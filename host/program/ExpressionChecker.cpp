@@ -54,14 +54,14 @@ void ExpressionChecker::expect(Expression &expression, const Type &type, std::st
         if (allFit)
             expression.type = type;
     }
-    if (fits(around_.classes, *expression.type, type))
+    if (fits(around_.classes, expression.valueType(), type))
         return;
     std::string hint;
-    if (isString(type) && isNumber(*expression.type))
+    if (isString(type) && isNumber(expression.valueType()))
         hint = "; Str makes one of a number";
-    else if (isNumber(type) && isString(*expression.type))
+    else if (isNumber(type) && isString(expression.valueType()))
         hint = "; Val makes a number of one";
-    else if (fits(around_.classes, type, *expression.type) && type.kind == TypeKind::object)
+    else if (fits(around_.classes, type, expression.valueType()) && type.kind == TypeKind::object)
         hint = "; " + describe(type) + "(...) says that it is one";
     around_.report(expression.at, std::string(forWhat) + " is " + program::shown(type) + ", not " +
                                       program::shown(expression.type) + hint);
@@ -83,7 +83,7 @@ void ExpressionChecker::constantValue(Expression &expression) {
 
 Type ExpressionChecker::unknown(Position at, std::string text) {
     around_.report(at, std::move(text));
-    return unknownType;
+    return unknownType();
 }
 
 void ExpressionChecker::arguments(Expressions &arguments, const std::vector<Parameter> &parameters,
@@ -102,7 +102,7 @@ void ExpressionChecker::arguments(Expressions &arguments, const std::vector<Para
             value(*arguments[i]);
         if (!takesAny)
             expect(*arguments[i], type, parameters[i].name + " of " + callee);
-        else if (!arguments[i]->type->isArray)
+        else if (!arguments[i]->valueType().isArray)
             around_.report(arguments[i]->at, parameters[i].name + " of " + callee +
                                                  " is an array, not " +
                                                  program::shown(arguments[i]->type));
@@ -133,8 +133,8 @@ std::optional<Type> ExpressionChecker::typeOf(Index &index, Expression &whole) {
     value(*index.target);
     for (const ExpressionPtr &place : index.arguments)
         expect(*place, simpleType(TypeKind::integer), "the place of an element");
-    const Type &array = *index.target->type;
-    if (array == unknownType)
+    const Type &array = index.target->valueType();
+    if (array == unknownType())
         return array;
     if (!array.isArray)
         return isVariant(array)
@@ -150,11 +150,11 @@ std::optional<Type> ExpressionChecker::typeOf(Create &create, Expression & /*who
     create.type = around_.classNamed(create.className);
     if (create.type == nullptr) {
         values(create.arguments.values);
-        return unknownType;
+        return unknownType();
     }
     const std::size_t count = create.arguments.values.size();
     const HostClass &type = *create.type;
-    const Type result = typeNamed(type.name);
+    Type result = typeNamed(type.name);
     create.constructor = type.method("Constructor", count);
     // The host's own classes may have a constructor that is a bare parameter list.
     if (create.constructor == nullptr && count > 0)
@@ -180,7 +180,7 @@ std::optional<Type> ExpressionChecker::typeOf(Create &create, Expression & /*who
 
 std::optional<Type> ExpressionChecker::typeOf(Unary &unary, Expression &whole) {
     value(*unary.operand);
-    const auto type = resultOf(unary.op, *unary.operand->type);
+    auto type = resultOf(unary.op, unary.operand->valueType());
     if (type)
         return type;
     return unknown(whole.at, std::string(shown(unary.op)) + " does not take " +
@@ -190,9 +190,9 @@ std::optional<Type> ExpressionChecker::typeOf(Unary &unary, Expression &whole) {
 std::optional<Type> ExpressionChecker::typeOf(Binary &binary, Expression &whole) {
     value(*binary.left);
     value(*binary.right);
-    const Type &left = *binary.left->type;
-    const Type &right = *binary.right->type;
-    const auto type = resultOf(binary.op, left, right);
+    const Type &left = binary.left->valueType();
+    const Type &right = binary.right->valueType();
+    auto type = resultOf(binary.op, left, right);
     if (type)
         return type;
     const bool mixes = binary.op == Operator::add &&
@@ -206,7 +206,7 @@ std::optional<Type> ExpressionChecker::typeOf(Binary &binary, Expression &whole)
 std::optional<Type> ExpressionChecker::typeOf(IsA &isA, Expression &whole) {
     value(*isA.operand);
     isA.type = around_.classNamed(isA.className);
-    if (!isReference(*isA.operand->type) && !isVariant(*isA.operand->type))
+    if (!isReference(isA.operand->valueType()) && !isVariant(isA.operand->valueType()))
         return unknown(whole.at, "IsA does not take " + program::shown(isA.operand->type));
     return simpleType(TypeKind::boolean);
 }
@@ -218,7 +218,7 @@ void ExpressionChecker::assignment(Expression &target, Expression &assigned) {
     if (auto *member = std::get_if<Member>(&target.what);
         member != nullptr && classMeantBy(*member->target) == nullptr) {
         value(*member->target);
-        const Type &type = *member->target->type;
+        const Type &type = member->target->valueType();
         const HostClass *found = type.kind == TypeKind::object && !type.isArray
                                      ? around_.classes.find(type.className)
                                      : nullptr;
@@ -245,16 +245,16 @@ void ExpressionChecker::assignment(Expression &target, Expression &assigned) {
         if (variable == nullptr || variable->isConstant)
             what += variable == nullptr ? " is no variable" : " is a constant";
         else
-            return expect(assigned, *target.type, what);
+            return expect(assigned, target.valueType(), what);
     } else if (const auto *member = std::get_if<Member>(&target.what)) {
         what = member->name.name;
         const auto *property = std::get_if<const Property *>(&member->meaning);
         const std::string owner = member->target->type ? describe(*member->target->type) + '.' : "";
         if (property != nullptr && (*property)->isWritable())
-            return expect(assigned, *target.type, owner + what);
+            return expect(assigned, target.valueType(), owner + what);
         what = owner + what + (property != nullptr ? " is read-only" : " is no property");
     } else if (std::holds_alternative<Index>(target.what)) {
-        return expect(assigned, *target.type, "the element");
+        return expect(assigned, target.valueType(), "the element");
     } else {
         what += " is nothing that a value can be assigned to";
     }

@@ -21,7 +21,7 @@ std::size_t countFrom(const Value &value) {
 }
 
 Value made(const std::string &text) {
-    return Value(std::string_view(text));
+    return std::string_view(text);
 }
 
 // Positions count from 1, in characters.

@@ -62,6 +62,7 @@ std::optional<Type> ExpressionChecker::ofProcedure(Name &name, Expression &whole
         return indexed(whole);
     name.meaning = &procedure;
     std::vector<Parameter> parameters;
+    parameters.reserve(procedure.parameters.size());
     for (const ProgramParameter &parameter : procedure.parameters)
         parameters.push_back({.name = parameter.name.name,
                               .type = parameter.type.type,
@@ -77,7 +78,7 @@ std::optional<Type> ExpressionChecker::ofArrayLiteral(Name &name) {
     values(name.arguments.values);
     std::optional<Type> element;
     for (const ExpressionPtr &argument : name.arguments.values) {
-        const Type &type = *argument->type;
+        const Type &type = argument->valueType();
         if (type.isArray)
             return unknown(argument->at, "an array holds no arrays");
         if (!element)
@@ -114,8 +115,8 @@ std::optional<Type> ExpressionChecker::ofCast(Name &name, const HostClass &type)
                                          type.name + "(...), which takes one and says that it is " +
                                          type.name + "; New " + type.name + " makes an instance");
     name.meaning = Cast{&type};
-    const Type result = typeNamed(type.name);
-    const Type &given = *name.arguments.values.front()->type;
+    Type result = typeNamed(type.name);
+    const Type &given = name.arguments.values.front()->valueType();
     if (!fits(around_.classes, given, result) && !fits(around_.classes, result, given))
         around_.report(name.name.at, program::shown(given) + " is never " + type.name);
     return result;
@@ -193,7 +194,7 @@ std::optional<Type> ExpressionChecker::typeOf(Member &member, Expression &whole)
     if (const HostClass *type = classMeantBy(*member.target))
         return ofClass(member, whole, *type);
     value(*member.target);
-    const Type &type = *member.target->type;
+    const Type &type = member.target->valueType();
     if (type.isArray)
         return ofArray(member);
     if (type.kind == TypeKind::object && !isNil(type)) {
@@ -202,7 +203,7 @@ std::optional<Type> ExpressionChecker::typeOf(Member &member, Expression &whole)
             return ofObject(member, whole, *found);
     }
     values(member.arguments.values);
-    if (type == unknownType)
+    if (type == unknownType())
         return type;
     if (isVariant(type))
         return unknown(member.name.at, "a Variant has no members; assign it to a variable of "
@@ -248,7 +249,7 @@ std::optional<Type> ExpressionChecker::ofArray(Member &member) {
     MethodDeclaration declaration = found->declaration;
     for (Parameter &parameter : declaration.parameters)
         if (isVariant(parameter.type))
-            parameter.type = elementOf(*member.target->type);
+            parameter.type = elementOf(member.target->valueType());
     arguments(member.arguments.values, declaration.parameters, describe(declaration),
               member.name.at);
     return declaration.result;

@@ -48,17 +48,17 @@ Evaluator::Flow Evaluator::run(const ReDim &statement) {
 Evaluator::Flow Evaluator::run(const Assign &statement) {
     const Expression &target = *statement.target;
     if (const auto *name = std::get_if<Name>(&target.what)) {
-        Value value = evaluateAs(*statement.value, *target.type);
+        Value value = evaluateAs(*statement.value, target.valueType());
         variable(std::get<Slot>(name->meaning)) = std::move(value);
     } else if (const auto *index = std::get_if<Index>(&target.what)) {
         const Value array = evaluate(*index->target);
         const std::int64_t place =
             evaluateAs(*index->arguments.front(), simpleType(TypeKind::integer)).integer();
-        const Value value = evaluateAs(*statement.value, *target.type);
+        const Value value = evaluateAs(*statement.value, target.valueType());
         setElement(elementsOf(array), place, value);
     } else {
         const auto &member = std::get<Member>(target.what);
-        assignMember(member, evaluateAs(*statement.value, *target.type));
+        assignMember(member, evaluateAs(*statement.value, target.valueType()));
     }
     return Flow::next;
 }
@@ -136,7 +136,7 @@ Evaluator::Flow Evaluator::run(const For &statement) {
 Evaluator::Flow Evaluator::run(const ForEach &statement) {
     const std::size_t line = frame_->line;
     const Value array = evaluate(*statement.collection);
-    const Type elementType = elementOf(*statement.collection->type);
+    const Type elementType = elementOf(statement.collection->valueType());
     const Slot slot = statement.variable.slot;
     const Clearing clearing(slot.isGlobal ? globals_ : *frame_,
                             statement.variable.declared ? slot.index : 0,
@@ -174,6 +174,7 @@ Evaluator::Flow Evaluator::run(const Exit &statement) {
 
 Evaluator::Flow Evaluator::run(const Return &statement) {
     if (statement.value != nullptr)
+        // NOLINTNEXTLINE(bugprone-unchecked-optional-access): checked, a Sub returns no value
         frame_->result = evaluateAs(*statement.value, frame_->procedure->result->type);
     return Flow::leave;
 }

@@ -12,7 +12,7 @@ void Scopes::openProcedure() {
 }
 
 std::size_t Scopes::closeProcedure() {
-    const std::size_t count = local_->slotCount;
+    const std::size_t count = current().slotCount;
     local_.reset();
     return count;
 }

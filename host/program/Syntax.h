@@ -137,12 +137,21 @@ struct Expression {
     std::size_t depth = 1; ///< of the tree from here
     /// Nothing: a call that gives no value.
     std::optional<Type> type = {};
+
+    /// Only of one that the checker let pass where a value is needed.
+    [[nodiscard]] const Type &valueType() const {
+        return *type; // NOLINT(bugprone-unchecked-optional-access)
+    }
 };
 
 /// Of what was told to be wrong: fits everywhere, so that it is told once.
-inline const Type unknownType{.kind = TypeKind::variant, .className = "unknown"};
+inline Type unknownType() {
+    return {.kind = TypeKind::variant, .className = "unknown"};
+}
 /// The type of Nil: an object of no class.
-inline const Type nilType{.kind = TypeKind::object};
+inline Type nilType() {
+    return {.kind = TypeKind::object};
+}
 
 // Statements
 

@@ -84,7 +84,7 @@ bool isVariant(const Type &type) {
 }
 
 bool isNil(const Type &type) {
-    return type == nilType;
+    return type == nilType();
 }
 
 bool isReference(const Type &type) {

@@ -99,6 +99,7 @@ bool isDeeper(id object, std::size_t levels) {
         return false;
     if (levels == 0)
         return true;
+    // NOLINTNEXTLINE(cppcoreguidelines-init-variables)
     for (id element in isDictionary ? [object allValues] : object)
         if (isDeeper(element, levels - 1))
             return true;

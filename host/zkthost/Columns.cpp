@@ -14,6 +14,7 @@ void forEachCharacter(std::string_view utf8, Use use) {
     for (std::int32_t place = 0; place < size;) {
         const std::int32_t start = place;
         UChar32 character = U_SENTINEL;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro
         U8_NEXT(utf8.data(), place, size, character);
         use(character,
             utf8.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(place - start)));

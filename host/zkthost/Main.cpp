@@ -33,7 +33,9 @@
 #include <utility>
 #include <vector>
 
-extern "C" char **environ; // which not every unistd.h declares
+// Not every unistd.h declares it.
+// NOLINTNEXTLINE(readability-redundant-declaration)
+extern "C" char **environ;
 
 namespace {
 
@@ -89,10 +91,11 @@ host::Image &load(host::Host &host, const Options &options) {
     }
 }
 
-Status reference(host::Host &host, const Options &options) {
-    const std::vector<ReferenceChapter> chapters = makeReference(host, *options.words);
-    print(options.format == host::DescriptionFormat::html ? referenceAsHtml(chapters)
-                                                          : referenceAsMarkdown(chapters));
+Status reference(host::Host &host, const std::filesystem::path &words,
+                 host::DescriptionFormat format) {
+    const std::vector<ReferenceChapter> chapters = makeReference(host, words);
+    print(format == host::DescriptionFormat::html ? referenceAsHtml(chapters)
+                                                  : referenceAsMarkdown(chapters));
     host.shutDown();
     return verdict(host);
 }
@@ -215,7 +218,8 @@ Status run(host::Host &host, const Options &options) {
         return runProgram(host, options);
     host::Image &image = load(host, options);
     if (options.command == Command::describe)
-        return options.words ? reference(host, options) : describe(host, image, options.format);
+        return options.words ? reference(host, *options.words, options.format)
+                             : describe(host, image, options.format);
     if (options.command == Command::call)
         return call(host, options);
     if (options.command == Command::convert)

@@ -19,6 +19,7 @@ std::map<std::string, std::string> textsOfPropertyList(std::string_view bytes) {
                                                               error:nullptr];
         if (![list isKindOfClass:[NSDictionary class]])
             return;
+        // NOLINTNEXTLINE(cppcoreguidelines-init-variables)
         for (id key in list) {
             id value = [list objectForKey:key];
             if ([key isKindOfClass:[NSString class]] && [value isKindOfClass:[NSString class]])

@@ -171,6 +171,7 @@ private:
 
 std::vector<RowHead> headsOf(const std::vector<Property> &properties) {
     std::vector<RowHead> heads;
+    heads.reserve(properties.size());
     for (const Property &property : properties)
         heads.push_back({property.name, describe(property.type)});
     return heads;

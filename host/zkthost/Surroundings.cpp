@@ -26,6 +26,7 @@ void makeUtf8(char *text) {
     for (std::int32_t place = 0; text[place] != 0;) {
         const std::int32_t start = place;
         UChar32 character = 0;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro
         U8_NEXT(text, place, -1, character);
         if (character < 0)
             std::memset(text + start, '?', static_cast<std::size_t>(place - start));

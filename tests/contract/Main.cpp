@@ -26,10 +26,12 @@ void *imageFunction(host::Image &loaded, std::string_view name) {
     throw std::runtime_error("the image has no function " + std::string(name));
 }
 
+// Not every unistd.h declares it.
+// NOLINTNEXTLINE(readability-redundant-declaration)
+extern "C" char **environ;
+
 // What is thrown ends the program and is named as it does.
 // NOLINTNEXTLINE(bugprone-exception-escape)
-extern "C" char **environ; // which not every unistd.h declares
-
 int main(int argc, char **argv) {
     host::startFoundation(argc, argv, environ);
     const host::AutoreleasePool pool;

@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using testing::HasSubstr;
-
 TEST(Error, UnknownNamesWithTheNearest) {
     expectErrors("Dim count As Integer\nPrint cuont\n",
                  {"2:7: nothing is called cuont; the nearest is count"});

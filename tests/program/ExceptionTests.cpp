@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using testing::Lt;
-using testing::SizeIs;
 
 namespace {
 

@@ -11,7 +11,9 @@
 #include <system_error>
 #include <unistd.h>
 
-extern "C" char **environ; // which not every unistd.h declares
+// Not every unistd.h declares it.
+// NOLINTNEXTLINE(readability-redundant-declaration)
+extern "C" char **environ;
 
 namespace {
 

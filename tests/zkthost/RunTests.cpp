@@ -7,7 +7,6 @@
 #include <string>
 
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
@@ -138,6 +137,7 @@ TEST_P(Run, TellsAllThatIsWrongAndRunsNothing) {
                   {"F:2:13: there is no type NSProcesInfoZKT; the nearest is NSProcessInfoZKT",
                    "F:3:50: NSProcessInfoZKT has no member procesInfo; the nearest is processInfo",
                    "F:5:6: NSProcessInfoZKT.processIdentifier is read-only",
+                   // NOLINTNEXTLINE(bugprone-suspicious-missing-comma)
                    "F:6:21: index of NSProcessInfoZKT.argument(index As Integer) As String is "
                    "Integer, not String; Val makes a number of one",
                    "F:6:32: no arguments for NSProcessInfoZKT.argument(index As Integer) As String",

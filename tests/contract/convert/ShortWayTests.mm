@@ -56,6 +56,7 @@ struct ShortWay : testing::Test {
 
 TEST_F(ShortWay, ToAValueAsksForNoClass) {
     NSURL *const url = [NSURL URLWithString:@"http://a/"];
+    // NOLINTNEXTLINE(cppcoreguidelines-init-variables)
     for (id value in @[
              @"text", [NSMutableString string], @1, [NSDate date], [NSData data], url, @[],
              [NSMutableDictionary dictionary]

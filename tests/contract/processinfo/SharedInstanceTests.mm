@@ -11,6 +11,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 using host::ObjectHandle;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -54,7 +56,7 @@ TEST(ProcessInfo, EntersANewInstanceIntoTheRegistry) {
 TEST(ProcessInfo, EntersANewInstanceUnderTheSharedObjectWhateverRetainAnswers) {
     LoadedPlugin loaded;
     const OwnObject<ProcessInfoDouble> retained;
-    for (const id answer : {static_cast<id>(retained), static_cast<id>(nil)}) {
+    for (const id answer : std::array<id, 2>{retained, nil}) {
         const OwnObject<AnotherWhenRetained> shared;
         shared->another = answer;
         const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
