@@ -55,9 +55,8 @@ public:
     void duplicate(int from, int to) {
         check(posix_spawn_file_actions_adddup2(&actions_, from, to), "file actions");
     }
-    void openEmpty(int file) {
-        check(posix_spawn_file_actions_addopen(&actions_, file, "/dev/null", O_RDONLY, 0),
-              "file actions");
+    void open(int file, const char *path) {
+        check(posix_spawn_file_actions_addopen(&actions_, file, path, O_RDONLY, 0), "file actions");
     }
     [[nodiscard]] const posix_spawn_file_actions_t *get() const { return &actions_; }
 
@@ -67,8 +66,8 @@ private:
 
 } // namespace
 
-Finished runProgram(const std::filesystem::path &program,
-                    const std::vector<std::string> &arguments) {
+Finished runProgram(const std::filesystem::path &program, const std::vector<std::string> &arguments,
+                    const std::filesystem::path &input) {
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char *> pointers;
@@ -79,7 +78,7 @@ Finished runProgram(const std::filesystem::path &program,
     const Output out("out");
     const Output err("err");
     FileActions actions;
-    actions.openEmpty(STDIN_FILENO);
+    actions.open(STDIN_FILENO, input.c_str());
     actions.duplicate(out.file(), STDOUT_FILENO);
     actions.duplicate(err.file(), STDERR_FILENO);
     pid_t process = 0;

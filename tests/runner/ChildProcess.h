@@ -14,7 +14,7 @@ struct Finished {
     std::string err;
 };
 
-/// Runs a program, without a shell, with an empty standard input, and waits for it. Throws
+/// Runs a program, without a shell, with a file as its standard input, and waits for it. Throws
 /// std::system_error when it cannot be started.
-Finished runProgram(const std::filesystem::path &program,
-                    const std::vector<std::string> &arguments);
+Finished runProgram(const std::filesystem::path &program, const std::vector<std::string> &arguments,
+                    const std::filesystem::path &input = "/dev/null");

@@ -19,8 +19,7 @@ namespace {
 /// A terminal with zkthost run in it.
 class Terminal {
 public:
-    Terminal() {
-        const std::string image = macosImage().path;
+    explicit Terminal(const std::filesystem::path &image) {
         process_ = forkpty(&file_, nullptr, nullptr, nullptr);
         if (process_ == 0) {
             setenv("TERM", "dumb", 1);
@@ -71,25 +70,30 @@ private:
     pid_t process_ = -1;
 };
 
+class Prompt : public testing::TestWithParam<ImageFile> {};
+
+INSTANTIATE_TEST_SUITE_P(, Prompt, testing::Values(macosImage(), linuxImage()),
+                         [](const auto &parameter) { return parameter.param.name; });
+
 } // namespace
 
-TEST(Prompt, ShowsValuesAndKeepsVariables) {
-    Terminal terminal;
+TEST_P(Prompt, ShowsValuesAndKeepsVariables) {
+    Terminal terminal(GetParam().path);
     terminal.type("Dim n As Integer = 20");
     EXPECT_THAT(terminal.type("n + 1"), HasSubstr("Integer 21\r\n"));
     EXPECT_THAT(terminal.type("processName + \"!\""), HasSubstr("\"zkthost!\"\r\n"));
     EXPECT_EQ(terminal.end(), 0);
 }
 
-TEST(Prompt, ReadsOnUntilABlockIsClosed) {
-    Terminal terminal;
+TEST_P(Prompt, ReadsOnUntilABlockIsClosed) {
+    Terminal terminal(GetParam().path);
     terminal.type("For i As Integer = 6 To 7", "... ");
     terminal.type("Print i * 7", "... ");
     EXPECT_THAT(terminal.type("Next"), HasSubstr("42\r\n49\r\n"));
 }
 
-TEST(Prompt, GoesOnBehindErrorsAndExceptions) {
-    Terminal terminal;
+TEST_P(Prompt, GoesOnBehindErrorsAndExceptions) {
+    Terminal terminal(GetParam().path);
     EXPECT_THAT(terminal.type("Print nothing"),
                 HasSubstr("line:1:7: nothing is called nothing\r\n"));
     EXPECT_THAT(terminal.type("1 \\ 0"),

@@ -81,11 +81,17 @@ TEST_P(Run, ShowsAProgramItsOwnArguments) {
 }
 
 TEST_P(Run, ReadsAProgramFromStandardInput) {
-    // Empty in these tests: a program that does nothing.
-    const Finished finished =
-        zkthost({"--image", GetParam().path.string(), "run", "-", "argument"});
+    const auto reading = [&](std::string_view program) {
+        return zkthostReading(folder.write("piped", program),
+                              {"--image", GetParam().path.string(), "run", "-", "argument"});
+    };
+    const Finished finished = reading("Dim info As New NSProcessInfoZKT\nPrint info.argument(1)");
     expectSuccess(finished);
-    EXPECT_EQ(finished.out, "");
+    EXPECT_EQ(finished.out, "argument\n");
+    const Finished refused = reading("Print\nPrint nothing");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.err, "-:2:7: nothing is called nothing\n");
+    expectSuccess(reading(""));
 }
 
 TEST_P(Run, CatchesWhatThePlugInRaises) {

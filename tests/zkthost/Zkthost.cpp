@@ -34,6 +34,11 @@ Finished zkthost(const std::vector<std::string> &arguments) {
     return runProgram(ZKTHOST_PROGRAM, arguments);
 }
 
+Finished zkthostReading(const std::filesystem::path &input,
+                        const std::vector<std::string> &arguments) {
+    return runProgram(ZKTHOST_PROGRAM, arguments, input);
+}
+
 Finished zkthost(std::vector<std::string> arguments, const std::filesystem::path &image) {
     arguments.insert(arguments.end(), {"--image", image.string()});
     return zkthost(arguments);

@@ -23,6 +23,8 @@ const ImageFile &linuxImage();
 
 /// Runs zkthost as a user does.
 Finished zkthost(const std::vector<std::string> &arguments);
+Finished zkthostReading(const std::filesystem::path &input,
+                        const std::vector<std::string> &arguments);
 /// The arguments, then --image and the file.
 Finished zkthost(std::vector<std::string> arguments, const std::filesystem::path &image);
 
