@@ -3,14 +3,19 @@
 
 Each mutant is one edit of one source file. The Linux object is built from a copy of the tree, and the
 contract tests run on it, each in a process of its own, until one fails: first those that noticed
-earlier mutants of the same file, then the others, fastest first. A mutant that no test notices
-survives. Mutants that no test can notice stand in equivalent.txt, with the reason, and are passed over.
-Each job has a copy and a build of its own.
+earlier mutants, of the nearest line, the same file, the same folder, then the other tests, fastest first.
+A mutant that no test notices survives. Mutants that no test can notice stand in equivalent.txt, with the
+reason, and are passed over. Each job has a copy and a build of its own.
+
+Outcomes are kept in build/mutate/outcomes. A later run starts with the tests that noticed something; with
+--resume it also passes over a mutant that the same test noticed in the same text of the file, if there
+still is a test of that name. What other files or the test itself have become meanwhile is not looked at.
 """
 
 import argparse
 import concurrent.futures
 import dataclasses
+import hashlib
 import os
 import pathlib
 import re
@@ -33,6 +38,10 @@ class Mutant:
 
     def __str__(self):
         return f"{self.path}:{self.line}: {self.what}"
+
+    @property
+    def key(self):
+        return hashlib.sha1(f"{self.path}\n{self.text}".encode()).hexdigest()
 
 
 # Finding places to break ---------------------------------------------------------------------------
@@ -254,7 +263,6 @@ class Workbench:
         self.image = self.build / "NSProcessInfoZKT.so"
         self.tests = folder / "contract_tests"
         self.order = folder / "order.txt"
-        self.durations = folder / "durations.txt"
 
     def prepare(self):
         shutil.rmtree(self.source, ignore_errors=True)
@@ -267,9 +275,12 @@ class Workbench:
                 shutil.copy(ROOT / name, self.source / name)
         # A copy, so that the tree can be built meanwhile.
         shutil.copy2(ROOT / "build/linux/tests/contract/contract_tests", self.tests)
-        # Without warnings: what a mutant leaves unused must not save it from the tests.
+        # Without warnings: what a mutant leaves unused must not save it from the tests. And without
+        # debug information, which takes time.
+        flags = "-w -O2 -DNDEBUG"
         subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
-                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_CXX_FLAGS=-w", "-DCMAKE_OBJCXX_FLAGS=-w"],
+                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_BUILD_TYPE=None",
+                        f"-DCMAKE_CXX_FLAGS={flags}", f"-DCMAKE_OBJCXX_FLAGS={flags}"],
                        cwd=self.source, check=True, stdout=subprocess.DEVNULL)
         if not self.compiles():
             sys.exit("mutate: the unchanged plug-in does not build")
@@ -298,28 +309,79 @@ class Workbench:
         return failed[0] if failed else None
 
     def timed_run(self):
-        """Runs every test on the unchanged plug-in; gives their durations."""
-        failed = self.run(f"--durations={self.durations}")
-        if failed:
-            sys.exit("mutate: tests fail on the unchanged plug-in: " + ", ".join(failed[:10]))
-        lines = (line.split() for line in self.durations.read_text().splitlines())
+        """Runs every test on the unchanged plug-in, unless it is known that none of them fails there;
+        gives their durations."""
+        known = hashlib.sha1(self.tests.read_bytes())
+        known.update(self.image.read_bytes())
+        durations = ROOT / f"build/mutate/durations-{known.hexdigest()}"
+        if not durations.exists():
+            running = durations.with_suffix(".running")
+            failed = self.run(f"--durations={running}")
+            if failed:
+                sys.exit("mutate: tests fail on the unchanged plug-in: " + ", ".join(failed[:10]))
+            running.rename(durations)
+        lines = (line.split() for line in durations.read_text().splitlines())
         return {name: float(seconds) for seconds, name in lines}
 
 
+NOTICED, REJECTED, SURVIVED = "noticed by ", "does not compile", "SURVIVED"
+
+
+class Outcomes:
+    """What came of mutants, in this run and in earlier ones: a line each, the last of a mutant holds."""
+
+    def __init__(self, file):
+        self.file = file
+        self.lines = {}  # by the mutant's key
+        if file.exists():
+            for line in file.read_text().splitlines():
+                if len(fields := line.split("\t")) == 5:  # a killed run may have left half a line
+                    self.lines[fields[0]] = (fields[1], int(fields[2]), fields[3])
+
+    def noticing(self):
+        """Where and by which test something was noticed, oldest first."""
+        for path, line, outcome in self.lines.values():
+            if outcome.startswith(NOTICED):
+                yield path, line, outcome.removeprefix(NOTICED)
+
+    def holds(self, mutant, tests):
+        """The outcome, if it can be taken over."""
+        outcome = self.lines.get(mutant.key, ("", 0, ""))[2]
+        return outcome if outcome == REJECTED or outcome.removeprefix(NOTICED) in tests else None
+
+    def add(self, mutant, outcome):
+        with self.file.open("a") as file:
+            file.write(f"{mutant.key}\t{mutant.path}\t{mutant.line}\t{outcome}\t{mutant.what}\n")
+
+
 class TestOrder:
-    """The tests that noticed something first, then by duration."""
+    """The tests that noticed something first: in the same file by line, in the same folder, elsewhere. Then
+    the others, fastest first."""
 
-    def __init__(self, durations):
-        self.by_duration = sorted(durations, key=durations.get)
-        self.killers = {}
+    def __init__(self, durations, noticing):
+        self.durations = durations
+        self.noticing = {name: {} for name in durations}  # by test and path: the lines
+        for path, line, name in noticing:
+            if name in durations:
+                self.noticed(path, line, name)
 
-    def of(self, path):
-        first = list(self.killers.get(path, ()))
-        known = set(first)
-        return first + [name for name in self.by_duration if name not in known]
+    def of(self, mutant):
+        def distance(name):
+            known = self.noticing[name]
+            if mutant.path in known:
+                return min(abs(line - mutant.line) for line in known[mutant.path])
+            folder = mutant.path.split("/")[0] + "/"
+            return FAR + (0 if any(path.startswith(folder) for path in known) else 1 if known else 2)
 
-    def noticed(self, path, name):
-        self.killers[path] = [name] + [other for other in self.killers.get(path, ()) if other != name]
+        return sorted(self.durations, key=lambda name: (distance(name), self.durations[name]))
+
+    def noticed(self, path, line, name):
+        known = self.noticing[name]
+        # Another dictionary, as other jobs may be reading this one.
+        self.noticing[name] = {**known, path: known.get(path, frozenset()) | {line}}
+
+
+FAR = 1_000_000  # lines
 
 
 class Score:
@@ -329,9 +391,15 @@ class Score:
         self.total, self.done = total, 0
         self.noticed, self.rejected, self.explained, self.survivors = 0, 0, 0, []
 
-    def add(self, mutant, outcome):
+    def add(self, mutant, outcome, note=""):
         self.done += 1
-        print(f"[{self.done}/{self.total}] {mutant}: {outcome}", flush=True)
+        if outcome == REJECTED:
+            self.rejected += 1
+        elif outcome == SURVIVED:
+            self.survivors.append(mutant)
+        else:
+            self.noticed += 1
+        print(f"[{self.done}/{self.total}] {mutant}: {outcome}{note}", flush=True)
 
     def report(self):
         tested = self.total - self.rejected - self.explained
@@ -342,22 +410,18 @@ class Score:
             print(f"  survived: {mutant}")
 
 
-def try_mutant(bench, mutant, order, equivalent, score):
-    if without_line(mutant) in equivalent:
-        score.explained += 1
-        return
+def outcome_of(bench, mutant, order):
     bench.apply(mutant.path, mutant.text)
-    if not bench.compiles():
-        score.rejected += 1
-        score.add(mutant, "does not compile")
-    elif (name := bench.first_failing(order.of(mutant.path))) is not None:
-        score.noticed += 1
-        order.noticed(mutant.path, name)
-        score.add(mutant, f"noticed by {name}")
-    else:
-        score.survivors.append(mutant)
-        score.add(mutant, "SURVIVED")
-    bench.apply(mutant.path, mutant.original)
+    try:
+        if not bench.compiles():
+            return REJECTED
+        name = bench.first_failing(order.of(mutant))
+        if name is None:
+            return SURVIVED
+        order.noticed(mutant.path, mutant.line, name)
+        return NOTICED + name
+    finally:
+        bench.apply(mutant.path, mutant.original)
 
 
 def known_equivalents():
@@ -382,6 +446,8 @@ def main():
     parser.add_argument("--every", type=int, default=1, metavar="N", help="only each N-th mutant")
     parser.add_argument("--from", dest="first", type=int, default=0, metavar="K",
                         help="the first of them, from 0")
+    parser.add_argument("--resume", action="store_true",
+                        help="take over what an earlier run has found, and try the others")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="mutants at a time")
     options = parser.parse_args()
 
@@ -394,7 +460,9 @@ def main():
     benches = [Workbench(number) for number in range(options.jobs)]
     for bench in benches:
         bench.prepare()
-    order = TestOrder(benches[0].timed_run())
+    durations = benches[0].timed_run()
+    outcomes = Outcomes(ROOT / "build/mutate/outcomes")
+    order = TestOrder(durations, outcomes.noticing())
     equivalent = known_equivalents()
     score = Score(len(todo))
     waiting = iter(todo)
@@ -402,7 +470,14 @@ def main():
     def work(bench):
         # A generator of its own would be entered by two threads; a list's iterator may be.
         for mutant in waiting:
-            try_mutant(bench, mutant, order, equivalent, score)
+            if without_line(mutant) in equivalent:
+                score.explained += 1
+            elif options.resume and (outcome := outcomes.holds(mutant, durations)):
+                score.add(mutant, outcome, ", earlier")
+            else:
+                outcome = outcome_of(bench, mutant, order)
+                outcomes.add(mutant, outcome)
+                score.add(mutant, outcome)
 
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         for finished in [pool.submit(work, bench) for bench in benches]:
