@@ -1,9 +1,9 @@
 // zkthost describe: the facts of the file and the classes as the plug-in registers them, in each
 // format.
 
-#include "ExpectedClasses.h"
 #include "Json.h"
 #include "Zkthost.h"
+#include "tests/ExpectedClasses.h"
 
 #include <gmock/gmock.h>
 
@@ -46,7 +46,7 @@ using Rows = std::vector<std::vector<std::string>>;
 std::string access(const ExpectedProperty &property) {
     if (property.field >= 0)
         return "field at " + std::to_string(property.field);
-    return property.writable ? "read and write" : "read-only";
+    return property.writable() ? "read and write" : "read-only";
 }
 
 /// Everything that a person is shown of the two classes, row by row.
@@ -127,7 +127,7 @@ void expectProperties(const llvm::json::Value &description,
         SCOPED_TRACE(expected[i].name);
         EXPECT_EQ(stringMember(rows[i], "name"), expected[i].name);
         EXPECT_EQ(stringMember(rows[i], "type"), expected[i].type);
-        EXPECT_EQ(member(rows[i], "writable").getAsBoolean(), expected[i].writable);
+        EXPECT_EQ(member(rows[i], "writable").getAsBoolean(), expected[i].writable());
         EXPECT_EQ(member(rows[i], "fieldOffset").getAsInteger().value_or(-1), expected[i].field);
         EXPECT_EQ(integerMember(rows[i], "flags"), 6);
     }

@@ -1,8 +1,8 @@
 // The reference: what the command prints of the shipped bundle and of the words beside it, and that
 // both agree with what is registered.
 
-#include "ExpectedClasses.h"
 #include "Zkthost.h"
+#include "tests/ExpectedClasses.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 // zkthost report: what a program sees of its own process, here of zkthost's.
 
-#include "ExpectedClasses.h"
 #include "Json.h"
 #include "Zkthost.h"
+#include "tests/ExpectedClasses.h"
 
 #include <gmock/gmock.h>
 

@@ -2,6 +2,7 @@
 // row, read at its offset and not through a declaration of the record.
 
 #include "ImageUnderTest.h"
+#include "tests/ExpectedClasses.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr std::uint64_t hostAccess = 0xFFFFFFFFFFFFFFFF; // an accessor of all ones
-constexpr std::string_view none;                         // a slot that names no function
 
 constexpr std::size_t classSize = 232;
 constexpr std::size_t propertySize = 96;
@@ -73,90 +73,6 @@ enum : std::size_t {
     sharedMethodCount = 192,
 };
 
-struct PropertyRow {
-    std::string_view name, type;
-    std::string_view getter, setter; // functions of the image; for a field of the data: "field"
-    std::uint64_t parameter = 0;
-};
-
-constexpr PropertyRow processInfoProperties[] = {
-    {"Handle", "Integer", "field", "field"},
-    {"thermalState", "Integer", "thermalState", none},
-    {"operatingSystemVersionString", "String", "operatingSystemVersionString", none},
-    {"globallyUniqueString", "String", "globallyUniqueString", none},
-    {"hostName", "String", "hostName", none},
-    {"processName", "String", "processName", "setProcessName"},
-    {"operatingSystemName", "String", "operatingSystemName", none},
-    {"environment", "Dictionary", "environment", none},
-    {"processIdentifier", "Integer", "processIdentifier", none},
-    {"operatingSystem", "Integer", "operatingSystem", none},
-    {"activeProcessorCount", "Integer", "activeProcessorCount", none},
-    {"processorCount", "Integer", "processorCount", none},
-    {"argumentsCount", "Integer", "argumentsCount", none},
-    {"physicalMemory", "UInt64", "physicalMemory", none},
-    {"systemUptime", "Double", "systemUptime", none},
-    {"automaticTerminationSupportEnabled", "Boolean", "automaticTerminationSupportEnabled",
-     "setAutomaticTerminationSupportEnabled"},
-};
-
-constexpr PropertyRow activityProperties[] = {
-    {"Handle", "Integer", "field", "field", 0},
-    {"Reason", "String", "field", "field", 8},
-    {"Options", "Integer", "field", "field", 16},
-};
-
-struct MethodRow {
-    std::string_view declaration, function;
-    std::uint64_t flags = 4;
-};
-
-constexpr MethodRow processInfoMethods[] = {
-    {"beginActivity(options as integer, reason as string) as NSProcessInfoActivityZKT",
-     "beginActivityWithOptions"},
-    {"endActivity(activity as NSProcessInfoActivityZKT)", "endActivity"},
-    {"_exception as NSExceptionZKT", "DummyException"},
-    {"argument(index as integer) as string", "argument"},
-    {"arguments as string()", "arguments"},
-    {"disableSuddenTermination", "disableSuddenTermination"},
-    {"enableSuddenTermination", "enableSuddenTermination"},
-    {"Constructor", "Constructor"},
-    {"disableAutomaticTermination(Reason as string)", "disableAutomaticTermination"},
-    {"enableAutomaticTermination(Reason as string)", "enableAutomaticTermination"},
-};
-
-constexpr MethodRow processInfoSharedMethods[] = {
-    {"processInfo as NSProcessInfoZKT", "processInfo"},
-    {"NSProcessInfoThermalStateDidChangeNotification as String",
-     "getNSProcessInfoThermalStateDidChangeNotification"},
-};
-
-constexpr MethodRow activityMethods[] = {
-    {"Constructor", "activity::Constructor", 0x84},
-    {"Destructor", "activity::Destructor"},
-};
-
-constexpr std::string_view processInfoConstants[] = {
-    "NSWindowsNTOperatingSystem=1",
-    "NSWindows95OperatingSystem=2",
-    "NSSolarisOperatingSystem=3",
-    "NSHPUXOperatingSystem=4",
-    "NSMACHOperatingSystem=5",
-    "NSSunOSOperatingSystem=6",
-    "NSOSF1OperatingSystem=7",
-    "NSActivityIdleDisplaySleepDisabled = &h10000000000",
-    "NSActivityIdleSystemSleepDisabled = &h100000",
-    "NSActivitySuddenTerminationDisabled = &h4000",
-    "NSActivityAutomaticTerminationDisabled = &h8000",
-    "NSActivityBackground = &h000000FF",
-    "NSActivityLatencyCritical = &hFF00000000",
-    "NSActivityUserInitiated = &h00FFFFFF",
-    "NSActivityUserInitiatedAllowingIdleSystemSleep = &h00EFFFFF",
-    "NSProcessInfoThermalStateNominal = 0",
-    "NSProcessInfoThermalStateFair = 1",
-    "NSProcessInfoThermalStateSerious = 2",
-    "NSProcessInfoThermalStateCritical = 3",
-};
-
 class ClassTables : public testing::Test {
 protected:
     host::Host host_;
@@ -171,33 +87,33 @@ protected:
     }
 
     // The function's address as the slot holds it.
-    std::uint64_t function(std::string_view functionName) {
-        if (functionName == none)
-            return 0;
-        if (functionName == "field")
-            return hostAccess;
-        return reinterpret_cast<std::uint64_t>(
-            imageFunction(image_, "processinfo::" + std::string(functionName)));
+    std::uint64_t function(const char *functionName) {
+        return functionName == nullptr ? 0
+                                       : reinterpret_cast<std::uint64_t>(imageFunction(
+                                             image_, "processinfo::" + std::string(functionName)));
     }
 
-    void expectProperties(const Record &type, std::span<const PropertyRow> expected) {
+    void expectProperties(const Record &type, std::span<const ExpectedProperty> expected) {
         ASSERT_EQ(type.word(propertyCount), expected.size());
         for (std::size_t i = 0; i < expected.size(); ++i) {
-            SCOPED_TRACE(expected[i].name);
+            const ExpectedProperty &property = expected[i];
+            const bool isField = property.field >= 0;
+            SCOPED_TRACE(property.name);
             const Record row = type.row(properties, i, propertySize);
             EXPECT_EQ(row.word(0), 0u) << "group";
-            EXPECT_EQ(row.text(8), expected[i].name);
-            EXPECT_EQ(row.text(16), expected[i].type);
+            EXPECT_EQ(row.text(8), property.name);
+            EXPECT_EQ(row.text(16), property.type);
             EXPECT_EQ(row.word(24), 6u) << "flags";
-            EXPECT_EQ(row.word(32), function(expected[i].getter)) << "getter";
-            EXPECT_EQ(row.word(40), function(expected[i].setter)) << "setter";
-            EXPECT_EQ(row.word(48), expected[i].parameter) << "parameter";
+            EXPECT_EQ(row.word(32), isField ? hostAccess : function(property.getter)) << "getter";
+            EXPECT_EQ(row.word(40), isField ? hostAccess : function(property.setter)) << "setter";
+            EXPECT_EQ(row.word(48), isField ? static_cast<std::uint64_t>(property.field) : 0)
+                << "parameter";
             expectUnused(row, 56, propertySize);
         }
     }
 
     void expectMethods(const Record &type, std::size_t table, std::size_t count,
-                       std::span<const MethodRow> expected) {
+                       std::span<const ExpectedMethod> expected) {
         ASSERT_EQ(type.word(count), expected.size());
         for (std::size_t i = 0; i < expected.size(); ++i) {
             SCOPED_TRACE(expected[i].declaration);
@@ -205,7 +121,7 @@ protected:
             EXPECT_EQ(row.word(0), function(expected[i].function));
             EXPECT_EQ(row.word(8), 0u) << "second function";
             EXPECT_EQ(row.text(16), expected[i].declaration);
-            EXPECT_EQ(row.word(24), expected[i].flags) << "flags";
+            EXPECT_EQ(row.word(24), static_cast<std::uint64_t>(expected[i].flags)) << "flags";
             expectUnused(row, 32, methodSize);
         }
     }
@@ -266,33 +182,33 @@ TEST_F(ClassTables, LeaveUnusedSlotsZero) {
 }
 
 TEST_F(ClassTables, ListThePropertiesOfProcessInfo) {
-    expectProperties(processInfo(), processInfoProperties);
+    expectProperties(processInfo(), expectedProperties);
 }
 
 TEST_F(ClassTables, ListTheMethodsOfProcessInfo) {
-    expectMethods(processInfo(), methods, methodCount, processInfoMethods);
+    expectMethods(processInfo(), methods, methodCount, expectedMethods);
 }
 
 TEST_F(ClassTables, ListTheSharedMethodsOfProcessInfo) {
-    expectMethods(processInfo(), sharedMethods, sharedMethodCount, processInfoSharedMethods);
+    expectMethods(processInfo(), sharedMethods, sharedMethodCount, expectedSharedMethods);
 }
 
 TEST_F(ClassTables, ListTheConstantsOfProcessInfo) {
-    constexpr std::size_t count = std::size(processInfoConstants);
+    constexpr std::size_t count = std::size(expectedConstants);
     ASSERT_EQ(processInfo().word(constantCount), count);
     for (std::size_t i = 0; i < count; ++i) {
         const Record row = processInfo().row(constants, i, constantSize);
-        EXPECT_EQ(row.text(0), processInfoConstants[i]);
+        EXPECT_EQ(row.text(0), expectedConstants[i].declaration);
         expectUnused(row, 8, constantSize);
     }
 }
 
 TEST_F(ClassTables, ListThePropertiesOfActivities) {
-    expectProperties(activity(), activityProperties);
+    expectProperties(activity(), expectedActivityProperties);
 }
 
 TEST_F(ClassTables, ListTheMethodsOfActivities) {
-    expectMethods(activity(), methods, methodCount, activityMethods);
+    expectMethods(activity(), methods, methodCount, expectedActivityMethods);
 }
 
 TEST_F(ClassTables, GiveActivitiesNoConstantsAndNoSharedMethods) {
