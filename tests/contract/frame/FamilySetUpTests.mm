@@ -5,7 +5,6 @@
 #include "Caught.h"
 #include "FamilyDouble.h"
 #include "LoadedPlugin.h"
-#import "ScriptedProcessInfo.h"
 
 #include "host/core/Core.h"
 #include "host/family/Siblings.h"
@@ -85,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Operation{"ByProcessInfo", nothing,
                               [](host::Host &host, host::ObjectRef &instance) {
                                   // Without an instance, which would bring its constructor.
-                                  const ScriptedProcessInfo script({[] { return nil; }});
+                                  host.services().answerNull("PluginNewInstance");
                                   instance = sharedInstance(host);
                               }}),
     [](const auto &parameter) { return parameter.param.name; });

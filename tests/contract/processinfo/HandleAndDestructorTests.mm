@@ -1,10 +1,7 @@
 // The wrapped object as programs can reach it, and what happens to it when an instance dies.
 
 #include "CoreFoundationSpy.h"
-#import "CountedProcessInfo.h"
-#include "LoadedPlugin.h"
-#import "OwnObject.h"
-#import "ScriptedProcessInfo.h"
+#import "SharedScene.h"
 
 #include "host/family/Siblings.h"
 
@@ -12,6 +9,7 @@
 
 #include <limits>
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The class destructor as the host runs it, on an instance that goes on living.
@@ -28,7 +26,7 @@ TEST(Handle, ReadsTheAddressOfTheWrappedObject) {
 
 TEST(Handle, StandsAtTheStartOfTheInstanceData) {
     LoadedPlugin loaded;
-    const OwnObject<ProcessInfoDouble> object;
+    const OwnObject<NSObject> object;
     const InstanceAround instance(loaded.host, object);
     const void *const field =
         *reinterpret_cast<void **>(reinterpret_cast<char *>((host::ObjectHandle)instance) + 48);
@@ -49,53 +47,44 @@ TEST(Handle, StoresAnyIntegerUnchanged) {
 
 TEST(Handle, IsReadAndWrittenWithoutAMessageOrAHostCall) {
     LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> object;
+    const Traced object("object");
     const auto instance = loaded.host.newInstance(processInfoClass);
     setHandle(loaded.host, instance, object);
     EXPECT_EQ(handleOf(loaded.host, instance), (const void *)object);
     setHandle(loaded.host, instance, nullptr);
-    EXPECT_EQ(object->retains, 0);
-    EXPECT_EQ(object->releases, 0);
-    EXPECT_THAT(object->received, IsEmpty());
     EXPECT_THAT(loaded.host.trace(), IsEmpty());
 }
 
 TEST(Handle, WritesPastTheRegistry) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> object;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    setHandle(loaded.host, instance, object);
-    EXPECT_EQ(host::siblings::registered(shared), instance.handle());
+    SharedScene scene;
+    const OwnObject<NSObject> object;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    setHandle(scene.host, instance, object);
+    EXPECT_EQ(host::siblings::registered(scene.shared), instance.handle());
     EXPECT_EQ(host::siblings::registered(object), nullptr);
-    setHandle(loaded.host, instance, shared);
+    setHandle(scene.host, instance, scene.shared);
 }
 
 TEST(Destructor, ReleasesTheWrappedObjectOnce) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
+    SharedScene scene;
     {
-        const auto instance = loaded.host.newObject(processInfoClass).object();
+        const auto instance = scene.host.newObject(processInfoClass).object();
+        scene.host.clearTrace();
     }
-    EXPECT_EQ(shared->retains, 1);
-    EXPECT_EQ(shared->releases, 1);
-    EXPECT_THAT(shared->received, IsEmpty());
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[shared release]"));
 }
 
 TEST(Destructor, RunsWithTheLastReferenceOnly) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
+    SharedScene scene;
     {
-        const auto first = loaded.host.callShared(processInfoClass, "processInfo").object();
+        const auto first = scene.host.callShared(processInfoClass, "processInfo").object();
         {
-            const auto second = loaded.host.callShared(processInfoClass, "processInfo").object();
+            const auto second = scene.host.callShared(processInfoClass, "processInfo").object();
+            scene.host.clearTrace();
         }
-        EXPECT_EQ(shared->releases, 0);
+        EXPECT_THAT(scene.host.trace(), IsEmpty());
     }
-    EXPECT_EQ(shared->releases, 1);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[shared release]"));
 }
 
 TEST(Destructor, ClearsTheField) {
@@ -115,15 +104,16 @@ TEST(Destructor, RemovesTheRegistryEntry) {
 }
 
 TEST(Destructor, RemovesTheEntryBeforeTheRelease) {
-    LoadedPlugin loaded;
+    SharedScene scene;
     std::size_t entriesAtRelease = 99;
-    const OwnObject<CountedProcessInfo> shared;
-    shared->onRelease = [&] { entriesAtRelease = host::siblings::registryCount(); };
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
+    scene.shared->onMessage = [&](std::string_view selector) {
+        if (selector == "release")
+            entriesAtRelease = host::siblings::registryCount();
+    };
     {
-        const auto instance = loaded.host.newObject(processInfoClass).object();
+        const auto instance = scene.host.newObject(processInfoClass).object();
     }
-    shared->onRelease = nullptr;
+    scene.shared->onMessage = nullptr;
     EXPECT_EQ(entriesAtRelease, 0u);
 }
 
@@ -147,34 +137,31 @@ TEST(Destructor, OfTheLaterInstanceLeavesTheFirstOneUsable) {
 }
 
 TEST(Destructor, ReleasesNothingAfterHandleWasSetToZero) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-    auto instance = loaded.host.newObject(processInfoClass).object();
+    SharedScene scene;
+    auto instance = scene.host.newObject(processInfoClass).object();
     const void *const registered = instance.handle();
-    setHandle(loaded.host, instance, nullptr);
-    EXPECT_FALSE(loaded.host.release(std::move(instance)).raised());
-    EXPECT_EQ(shared->releases, 0);
-    EXPECT_EQ(host::siblings::registered(shared), registered);
-    [shared release];
+    setHandle(scene.host, instance, nullptr);
+    scene.host.clearTrace();
+    EXPECT_FALSE(scene.host.release(std::move(instance)).raised());
+    EXPECT_THAT(scene.host.trace(), IsEmpty());
+    EXPECT_EQ(host::siblings::registered(scene.shared), registered);
+    [scene.shared release];
 }
 
 TEST(Destructor, ReleasesAndUnregistersWhatWasWrittenToHandle) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const OwnObject<CountedProcessInfo> other;
-    const ScriptedProcessInfo script(
-        {[&]() -> id { return shared; }, [&]() -> id { return other; }});
-    auto first = loaded.host.newObject(processInfoClass).object();
-    const auto second = loaded.host.newObject(processInfoClass).object();
-    setHandle(loaded.host, first, other);
+    SharedScene scene;
+    const Traced other("other");
+    scene.substitute.answer({scene.shared, other});
+    auto first = scene.host.newObject(processInfoClass).object();
+    const auto second = scene.host.newObject(processInfoClass).object();
+    setHandle(scene.host, first, other);
     [other retain]; // the reference that the destructor gives back
-    loaded.host.release(std::move(first));
-    EXPECT_EQ(other->releases, 1);
-    EXPECT_EQ(shared->releases, 0);
+    scene.host.clearTrace();
+    scene.host.release(std::move(first));
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[other release]"));
     EXPECT_EQ(host::siblings::registered(other), nullptr);
-    EXPECT_NE(host::siblings::registered(shared), nullptr);
-    [shared release];
+    EXPECT_NE(host::siblings::registered(scene.shared), nullptr);
+    [scene.shared release];
 }
 
 TEST(Destructor, OfAnEmptyInstanceTouchesNothing) {
@@ -189,19 +176,10 @@ TEST(Destructor, OfAnEmptyInstanceTouchesNothing) {
 }
 
 TEST(Destructor, ReleasesWithoutARegistry) {
-    LoadedPlugin loaded({.siblings = host::Siblings::exceptions});
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
+    SharedScene scene({.siblings = host::Siblings::exceptions});
     {
-        const auto instance = loaded.host.newObject(processInfoClass).object();
+        const auto instance = scene.host.newObject(processInfoClass).object();
+        scene.host.clearTrace();
     }
-    EXPECT_EQ(shared->releases, 1);
-}
-
-TEST(Destructor, CallsNoHostService) {
-    LoadedPlugin loaded;
-    {
-        const auto instance = loaded.host.newObject(processInfoClass).object();
-    }
-    EXPECT_THAT(loaded.host.trace(), IsEmpty());
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[shared release]"));
 }

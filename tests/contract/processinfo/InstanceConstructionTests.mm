@@ -1,16 +1,16 @@
 // How instances come to be: the class constructor and the "Constructor" method.
 
-#import "CountedProcessInfo.h"
-#include "LoadedPlugin.h"
-#import "OwnObject.h"
-#import "ScriptedProcessInfo.h"
+#import "SharedScene.h"
 
 #include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 
 TEST(ClassConstructor, LeavesTheInstanceEmpty) {
     LoadedPlugin loaded;
@@ -19,17 +19,10 @@ TEST(ClassConstructor, LeavesTheInstanceEmpty) {
 }
 
 TEST(ClassConstructor, NeitherAsksForTheSharedObjectNorRegisters) {
-    LoadedPlugin loaded;
-    const ScriptedProcessInfo script({[] { return nil; }});
-    const auto instance = loaded.host.newInstance(processInfoClass);
-    EXPECT_EQ(script.left(), 1u);
+    SharedScene scene;
+    const auto instance = scene.host.newInstance(processInfoClass);
+    EXPECT_THAT(scene.host.trace(), IsEmpty());
     EXPECT_EQ(host::siblings::registryCount(), 0u);
-}
-
-TEST(ClassConstructor, CallsNoHostService) {
-    LoadedPlugin loaded;
-    const auto instance = loaded.host.newInstance(processInfoClass);
-    EXPECT_THAT(loaded.host.trace(), IsEmpty());
 }
 
 TEST(Constructor, BindsTheInstanceToTheSharedObject) {
@@ -39,25 +32,18 @@ TEST(Constructor, BindsTheInstanceToTheSharedObject) {
 }
 
 TEST(Constructor, AsksForTheSharedObjectAndRetainsItOnce) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)shared);
-    EXPECT_EQ(script.left(), 1u);
-    EXPECT_EQ(shared->retains, 1);
-    EXPECT_EQ(shared->releases, 0);
-    EXPECT_THAT(shared->received, IsEmpty());
+    SharedScene scene;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)scene.shared);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]", "[shared retain]"));
 }
 
 TEST(Constructor, StoresWhatRetainAnswers) {
-    LoadedPlugin loaded;
-    const OwnObject<ProcessInfoDouble> retained;
-    const OwnObject<AnotherWhenRetained> shared;
-    shared->another = retained;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)retained);
+    SharedScene scene;
+    const Traced retained("retained");
+    scene.shared->retained = retained;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)retained);
     EXPECT_EQ(host::siblings::registered(retained), instance.handle());
     EXPECT_EQ(host::siblings::registryCount(), 1u);
     [retained retain]; // what the destructor gives back
@@ -90,37 +76,30 @@ TEST(Constructor, BindsWithoutARegistry) {
     EXPECT_EQ(handleOf(loaded.host, instance), (const void *)[NSProcessInfo processInfo]);
 }
 
-TEST(Constructor, CallsNoHostService) {
-    LoadedPlugin loaded;
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    EXPECT_THAT(loaded.host.trace(), IsEmpty());
-}
-
 TEST(Constructor, LeavesTheInstanceEmptyAndUnregisteredWithoutASharedObject) {
-    LoadedPlugin loaded;
-    const ScriptedProcessInfo script({[] { return nil; }});
-    const auto outcome = loaded.host.newObject(processInfoClass);
+    SharedScene scene;
+    scene.substitute.answer({nil});
+    const auto outcome = scene.host.newObject(processInfoClass);
     ASSERT_FALSE(outcome.raised());
-    EXPECT_EQ(script.left(), 0u);
-    EXPECT_EQ(handleOf(loaded.host, outcome.object()), nullptr);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]"));
+    EXPECT_EQ(handleOf(scene.host, outcome.object()), nullptr);
     EXPECT_EQ(host::siblings::registryCount(), 0u);
 }
 
 TEST(Constructor, LeavesTheInstanceEmptyAndUnregisteredWhenRetainAnswersNil) {
-    LoadedPlugin loaded;
-    const OwnObject<AnotherWhenRetained> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    EXPECT_EQ(handleOf(loaded.host, instance), nullptr);
+    SharedScene scene;
+    scene.shared->retained = nil;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    EXPECT_EQ(handleOf(scene.host, instance), nullptr);
     EXPECT_EQ(host::siblings::registryCount(), 0u);
 }
 
 TEST(Constructor, CanBindAnInstanceThatItLeftEmpty) {
-    LoadedPlugin loaded;
-    const ScriptedProcessInfo script({[] { return nil; }});
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    EXPECT_FALSE(loaded.host.call(instance, "Constructor").raised());
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)[NSProcessInfo processInfo]);
+    SharedScene scene;
+    scene.substitute.answer({nil, scene.shared});
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    EXPECT_FALSE(scene.host.call(instance, "Constructor").raised());
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)scene.shared);
 }
 
 TEST(SecondConstructor, RaisesUnsupportedOperation) {
@@ -135,16 +114,13 @@ TEST(SecondConstructor, RaisesUnsupportedOperation) {
 }
 
 TEST(SecondConstructor, LeavesTheInstanceBoundAsItWas) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    loaded.host.call(instance, "Constructor");
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)shared);
-    EXPECT_EQ(host::siblings::registered(shared), instance.handle());
-    EXPECT_EQ(script.left(), 1u);
-    EXPECT_EQ(shared->retains, 1);
-    EXPECT_EQ(shared->releases, 0);
+    SharedScene scene;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    scene.host.clearTrace();
+    scene.host.call(instance, "Constructor");
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)scene.shared);
+    EXPECT_EQ(host::siblings::registered(scene.shared), instance.handle());
+    EXPECT_THAT(scene.host.calls(), Each(Not(StartsWith("["))));
 }
 
 TEST(SecondConstructor, RaisesByTheseHostCallsAlone) {
@@ -173,7 +149,7 @@ TEST(SecondConstructor, RaisesOnAnInstanceThatProcessInfoMade) {
 
 TEST(SecondConstructor, RaisesOnAnInstanceThatWasBoundThroughHandle) {
     LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> object;
+    const OwnObject<NSObject> object;
     const InstanceAround instance(loaded.host, object);
     const auto outcome = loaded.host.call(instance, "Constructor");
     ASSERT_TRUE(outcome.raised());
@@ -182,13 +158,12 @@ TEST(SecondConstructor, RaisesOnAnInstanceThatWasBoundThroughHandle) {
 }
 
 TEST(SecondConstructor, BindsAgainAfterHandleWasSetToZero) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto instance = loaded.host.newObject(processInfoClass).object();
-    setHandle(loaded.host, instance, nullptr);
-    EXPECT_FALSE(loaded.host.call(instance, "Constructor").raised());
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)shared);
-    EXPECT_EQ(shared->retains, 2); // the first one was lost with the field's old value
-    [shared release];
+    SharedScene scene;
+    const auto instance = scene.host.newObject(processInfoClass).object();
+    setHandle(scene.host, instance, nullptr);
+    scene.host.clearTrace();
+    EXPECT_FALSE(scene.host.call(instance, "Constructor").raised());
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)scene.shared);
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]", "[shared retain]"));
+    [scene.shared release]; // the first one was lost with the field's old value
 }

@@ -1,9 +1,6 @@
 // The shared method "processInfo": one host instance for the shared object, as long as it lives.
 
-#import "CountedProcessInfo.h"
-#include "LoadedPlugin.h"
-#import "OwnObject.h"
-#import "ScriptedProcessInfo.h"
+#import "SharedScene.h"
 
 #include "host/family/Siblings.h"
 
@@ -13,9 +10,7 @@
 
 #include <array>
 
-using host::ObjectHandle;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 static host::ObjectRef sharedInstance(host::Host &host) {
     return host.callShared(processInfoClass, "processInfo").object();
@@ -35,15 +30,13 @@ TEST(ProcessInfo, HandsOverTheOneReferenceThatTheHostGave) {
 }
 
 TEST(ProcessInfo, RetainsTheSharedObjectOnceForANewInstance) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto instance = sharedInstance(loaded.host);
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)shared);
-    EXPECT_EQ(script.left(), 1u);
-    EXPECT_EQ(shared->retains, 1);
-    EXPECT_EQ(shared->releases, 0);
-    EXPECT_THAT(shared->received, IsEmpty());
+    SharedScene scene;
+    const auto instance = sharedInstance(scene.host);
+    EXPECT_EQ(handleOf(scene.host, instance), (const void *)scene.shared);
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre("[NSProcessInfo processInfo]",
+                            R"(PluginNewInstance("NSProcessInfoZKT") = NSProcessInfoZKT#1)",
+                            "[shared retain]"));
 }
 
 TEST(ProcessInfo, EntersANewInstanceIntoTheRegistry) {
@@ -54,20 +47,18 @@ TEST(ProcessInfo, EntersANewInstanceIntoTheRegistry) {
 }
 
 TEST(ProcessInfo, EntersANewInstanceUnderTheSharedObjectWhateverRetainAnswers) {
-    LoadedPlugin loaded;
-    const OwnObject<ProcessInfoDouble> retained;
+    SharedScene scene;
+    const OwnObject<NSObject> retained;
     for (const id answer : std::array<id, 2>{retained, nil}) {
-        const OwnObject<AnotherWhenRetained> shared;
-        shared->another = answer;
-        const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-        const auto instance = sharedInstance(loaded.host);
-        EXPECT_EQ(handleOf(loaded.host, instance), (const void *)answer);
-        EXPECT_EQ(host::siblings::registered(shared), instance.handle());
+        scene.shared->retained = answer;
+        const auto instance = sharedInstance(scene.host);
+        EXPECT_EQ(handleOf(scene.host, instance), (const void *)answer);
+        EXPECT_EQ(host::siblings::registered(scene.shared), instance.handle());
         EXPECT_EQ(host::siblings::registered(retained), nullptr);
         EXPECT_EQ(host::siblings::registryCount(), 1u);
-        setHandle(loaded.host, instance, nullptr);
+        setHandle(scene.host, instance, nullptr);
         CFDictionaryRemoveValue(static_cast<CFMutableDictionaryRef>(host::siblings::registry()),
-                                shared);
+                                scene.shared);
     }
 }
 
@@ -80,14 +71,12 @@ TEST(ProcessInfo, SecondCallGivesTheSameInstanceWithOneMoreReference) {
 }
 
 TEST(ProcessInfo, SecondCallRetainsNothing) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto first = sharedInstance(loaded.host);
-    const auto second = sharedInstance(loaded.host);
-    EXPECT_EQ(script.left(), 0u);
-    EXPECT_EQ(shared->retains, 1);
-    EXPECT_EQ(shared->releases, 0);
+    SharedScene scene;
+    const auto first = sharedInstance(scene.host);
+    scene.host.clearTrace();
+    const auto second = sharedInstance(scene.host);
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre("[NSProcessInfo processInfo]", "REALLockObject(NSProcessInfoZKT#1)"));
 }
 
 TEST(ProcessInfo, CallsOneHostServiceForEachUse) {
@@ -129,94 +118,33 @@ TEST(ProcessInfo, MakesANewInstanceWhenTheFirstHasDied) {
 }
 
 TEST(ProcessInfo, MakesAnInstanceForEachSharedObject) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> one;
-    const OwnObject<CountedProcessInfo> other;
-    const ScriptedProcessInfo script({[&]() -> id { return one; }, [&]() -> id { return other; }});
-    const auto first = sharedInstance(loaded.host);
-    const auto second = sharedInstance(loaded.host);
+    SharedScene scene;
+    const Traced other("other");
+    scene.substitute.answer({scene.shared, other});
+    const auto first = sharedInstance(scene.host);
+    const auto second = sharedInstance(scene.host);
     EXPECT_NE(second.handle(), first.handle());
-    EXPECT_EQ(host::siblings::registered(one), first.handle());
+    EXPECT_EQ(host::siblings::registered(scene.shared), first.handle());
     EXPECT_EQ(host::siblings::registered(other), second.handle());
 }
 
 TEST(ProcessInfo, WithoutARegistryMakesANewInstanceOnEveryCall) {
-    LoadedPlugin loaded({.siblings = host::Siblings::exceptions});
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(2, shared));
-    const auto first = sharedInstance(loaded.host);
-    const auto second = sharedInstance(loaded.host);
+    SharedScene scene({.siblings = host::Siblings::exceptions});
+    const auto first = sharedInstance(scene.host);
+    const auto second = sharedInstance(scene.host);
     EXPECT_NE(second.handle(), first.handle());
-    EXPECT_EQ(shared->retains, 2);
-    EXPECT_THAT(loaded.host.calls(),
-                ElementsAre(R"(PluginNewInstance("NSProcessInfoZKT") = NSProcessInfoZKT#1)",
-                            R"(PluginNewInstance("NSProcessInfoZKT") = NSProcessInfoZKT#2)"));
+    EXPECT_THAT(scene.host.calls(),
+                ElementsAre("[NSProcessInfo processInfo]",
+                            R"(PluginNewInstance("NSProcessInfoZKT") = NSProcessInfoZKT#1)",
+                            "[shared retain]", "[NSProcessInfo processInfo]",
+                            R"(PluginNewInstance("NSProcessInfoZKT") = NSProcessInfoZKT#2)",
+                            "[shared retain]"));
 }
 
 TEST(ProcessInfo, GivesNilWithoutASharedObject) {
-    LoadedPlugin loaded;
-    const ScriptedProcessInfo script({[] { return nil; }});
-    EXPECT_TRUE(loaded.host.callShared(processInfoClass, "processInfo").isNil());
-    EXPECT_EQ(script.left(), 0u);
-    EXPECT_THAT(loaded.host.trace(), IsEmpty());
+    SharedScene scene;
+    scene.substitute.answer({nil});
+    EXPECT_TRUE(scene.host.callShared(processInfoClass, "processInfo").isNil());
+    EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]"));
     EXPECT_EQ(host::siblings::registryCount(), 0u);
-}
-
-// What takes the host the means to make an instance.
-struct NoInstance {
-    const char *name;
-    void (*apply)(host::Host &);
-    const char *trace;
-};
-static void PrintTo(const NoInstance &cause, std::ostream *stream) {
-    *stream << cause.name;
-}
-
-class ProcessInfoWithoutInstance : public testing::TestWithParam<NoInstance> {};
-
-TEST_P(ProcessInfoWithoutInstance, GivesNilAndRetainsAndRegistersNothing) {
-    LoadedPlugin loaded;
-    const OwnObject<CountedProcessInfo> shared;
-    const ScriptedProcessInfo script(ScriptedProcessInfo::times(1, shared));
-    // Taken before the host stops knowing the class.
-    auto *processInfo = reinterpret_cast<ObjectHandle (*)()>(
-        loaded.host.sharedMethodOf(processInfoClass, "processInfo"));
-    GetParam().apply(loaded.host);
-    EXPECT_EQ(processInfo(), nullptr);
-    EXPECT_EQ(shared->retains, 0);
-    EXPECT_EQ(host::siblings::registryCount(), 0u);
-    EXPECT_EQ(loaded.host.trace().back(), GetParam().trace);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    , ProcessInfoWithoutInstance,
-    testing::Values(
-        NoInstance{"ServiceMissing",
-                   [](host::Host &host) { host.services().hide("PluginNewInstance"); },
-                   "miss PluginNewInstance"},
-        NoInstance{"ServiceAnsweringNull",
-                   [](host::Host &host) { host.services().answerNull("PluginNewInstance"); },
-                   R"(PluginNewInstance("NSProcessInfoZKT") = nil)"},
-        NoInstance{"ClassUnknown", [](host::Host &host) { host.hideClass(processInfoClass); },
-                   R"(PluginNewInstance("NSProcessInfoZKT") = nil)"}),
-    [](const auto &parameter) { return parameter.param.name; });
-
-TEST(ProcessInfo, WorksAgainOnceTheHostCanMakeInstances) {
-    LoadedPlugin loaded;
-    loaded.host.services().hide("PluginNewInstance");
-    loaded.host.callShared(processInfoClass, "processInfo");
-    loaded.host.services().restore("PluginNewInstance");
-    const auto instance = sharedInstance(loaded.host);
-    EXPECT_EQ(handleOf(loaded.host, instance), (const void *)[NSProcessInfo processInfo]);
-}
-
-// Called directly: the host itself would notice the reference that is not there.
-TEST(ProcessInfo, GivesTheRegisteredInstanceWithoutAReferenceWhenTheHostCannotLock) {
-    LoadedPlugin loaded;
-    loaded.host.services().hide("REALLockObject");
-    const auto first = sharedInstance(loaded.host);
-    auto *processInfo = reinterpret_cast<ObjectHandle (*)()>(
-        loaded.host.sharedMethodOf(processInfoClass, "processInfo"));
-    EXPECT_EQ(processInfo(), first.handle());
-    EXPECT_EQ(loaded.host.references(first), 1);
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "LoadedPlugin.h"
-#import "SharedObjectSubstitute.h"
-#import "TracedObject.h"
+#import "SharedScene.h"
 
 #include <array>
 #include <cstring>
@@ -30,8 +28,8 @@ inline ActivityFields fieldsOf(const host::Host &host, host::ObjectHandle activi
 
 /// A host, an instance that is not bound, and objects in the place of Foundation's shared one and
 /// of the token that it begins activities with.
-struct ActivityScene : LoadedPlugin {
-    explicit ActivityScene(host::HostOptions options = {}) : LoadedPlugin(std::move(options)) {
+struct ActivityScene : SharedScene {
+    explicit ActivityScene(host::HostOptions options = {}) : SharedScene(std::move(options)) {
         shared->activity = token;
         host.clearTrace();
     }
@@ -55,8 +53,6 @@ struct ActivityScene : LoadedPlugin {
             activity);
     }
 
-    Traced shared{"shared"};
     Traced token{"token"};
-    SharedObjectSubstitute substitute{image, shared};
     host::ObjectRef info = host.newInstance(processInfoClass);
 };

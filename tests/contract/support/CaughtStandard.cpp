@@ -1,5 +1,9 @@
 #include "Caught.h"
 
+#include "host/family/Siblings.h"
+
+#include <gtest/gtest.h>
+
 #include <exception>
 
 std::optional<std::string> standardExceptionFrom(const std::function<void()> &body) {
@@ -9,4 +13,12 @@ std::optional<std::string> standardExceptionFrom(const std::function<void()> &bo
         return exception.what();
     }
     return std::nullopt;
+}
+
+void expectRaised(const host::Outcome &outcome, std::string_view name, std::string_view reason) {
+    ASSERT_TRUE(outcome.raised());
+    EXPECT_EQ(outcome.exception->className, "NSExceptionZKT");
+    EXPECT_EQ(outcome.exception->cocoaName, name);
+    EXPECT_EQ(outcome.exception->cocoaReason, reason);
+    EXPECT_EQ(host::siblings::makeCount(), 1u);
 }

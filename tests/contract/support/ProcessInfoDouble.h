@@ -25,7 +25,8 @@ struct ProcessInfoAnswers {
 };
 
 /// Stands behind an instance in the place of NSProcessInfo, through "Handle": answers in macOS's
-/// types, and records the selectors that it receives (respondsToSelector: too, with its argument).
+/// types, and records the selectors that it receives (retain and release too, and
+/// respondsToSelector: with its argument).
 @interface ProcessInfoDouble : NSObject {
 @public
     ProcessInfoAnswers answers;

@@ -15,6 +15,16 @@ static void record(ProcessInfoDouble *self, SEL selector) {
         self->answers.acting();
 }
 
+- (id)retain {
+    received.emplace_back("retain");
+    return [super retain];
+}
+
+- (oneway void)release {
+    received.emplace_back("release");
+    [super release];
+}
+
 - (BOOL)respondsToSelector:(SEL)selector {
     received.push_back(question(selector));
     return [super respondsToSelector:selector];

@@ -6,6 +6,7 @@
 #import <Foundation/Foundation.h>
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,9 +21,10 @@ std::string traced(NSString *text);
     std::string name;                           // in the trace
     std::set<std::string, std::less<>> unknown; // selectors that it denies to know
     std::function<void(std::string_view)>
-        onMessage; // gets the selector, behind its line; may throw
-    id activity;   // what an activity begins with; not retained
-    id arguments;  // not retained
+        onMessage;              // gets the selector, behind its line; may throw
+    id activity;                // what an activity begins with; not retained
+    std::optional<id> retained; // what retain answers and does instead; not retained
+    id arguments;               // not retained
     signed char automaticTerminationSupportEnabled;
 }
 - (id)beginActivityWithOptions:(std::uint64_t)options reason:(NSString *)reason;

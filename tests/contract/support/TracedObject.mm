@@ -5,7 +5,10 @@
 #include <utility>
 
 std::string traced(NSString *text) {
-    return text == nil ? "nil" : host::inQuotes([text UTF8String]);
+    // With the zeroes that it may have.
+    return text == nil ? "nil"
+                       : host::inQuotes({[text UTF8String],
+                                         [text lengthOfBytesUsingEncoding:NSUTF8StringEncoding]});
 }
 
 static std::string nameOf(id object) {
@@ -40,7 +43,7 @@ static void receive(TracedObject *self, SEL selector) {
 
 - (id)retain {
     receive(self, _cmd);
-    return [super retain];
+    return retained ? *retained : [super retain];
 }
 
 - (oneway void)release {
