@@ -168,13 +168,3 @@ TEST_F(CocoaBuffer, IsFreedWhenAnExceptionPassesThrough) {
     loaded.host.shutDown();
     EXPECT_THAT(loaded.host.violations(), testing::IsEmpty());
 }
-
-// Each service of the host that takes part, missing: asked for again on each conversion.
-TEST_F(CocoaBuffer, IsTriedAgainWhileTheHostLacksAService) {
-    loaded.host.services().hide("REALSetStringEncoding");
-    EXPECT_EQ(loaded.host.bytes(convert(onHeap)).size(), 100u);
-    EXPECT_EQ(loaded.host.bytes(convert(onHeap)).size(), 100u);
-    EXPECT_THAT(loaded.host.lookups(),
-                ElementsAre("find REALBuildString", "miss REALSetStringEncoding",
-                            "miss REALSetStringEncoding"));
-}

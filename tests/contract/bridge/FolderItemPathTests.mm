@@ -117,18 +117,6 @@ TEST(FolderItemByPath, IsNilWithoutTheMethodAndDoesNotAskAgain) {
     EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#2)");
 }
 
-TEST(FolderItemByPath, IsNilWithoutTheLoadingServiceAndDoesNotAskAgain) {
-    FolderItemScene scene;
-    scene.host.services().hide("REALLoadGlobalMethod");
-    EXPECT_EQ(scene.convert(rootFolder).handle(), nullptr);
-    EXPECT_THAT(scene.host.lookups(), Contains("miss REALLoadGlobalMethod").Times(1));
-    scene.host.services().restore("REALLoadGlobalMethod");
-    EXPECT_EQ(scene.convert(rootFolder).handle(), nullptr);
-    EXPECT_EQ(scene.host.services().lookups("REALLoadGlobalMethod"), 1u);
-    EXPECT_EQ(scene.host.services().calls("REALLoadGlobalMethod"), 0u);
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-}
-
 TEST(FolderItemByPath, LooksForTheMethodOnlyWhenItIsNeeded) {
     FolderItemScene scene;
     scene.convert(scene.folder.file("file"));
@@ -225,27 +213,4 @@ TEST(FolderItemByPath, ReleasesThePathWhenTheMethodThrows) {
     EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#2)");
     EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
     EXPECT_FALSE(scene.host.hasPendingException());
-}
-
-TEST(FolderItemByPath, ReleasesThePathWhenTheLoadingServiceThrows) {
-    FolderItemScene scene;
-    scene.host.services().fail("REALLoadGlobalMethod", [] { throwOf(Thrown::standard); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convert(rootFolder); }), "on the way");
-    EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#1)");
-}
-
-TEST(FolderItemByPath, ReleasesThePathWhenTheLoadingServiceThrowsACocoaException) {
-    FolderItemScene scene;
-    scene.host.services().fail("REALLoadGlobalMethod", [] { throwOf(Thrown::cocoa); });
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convert(rootFolder); }), "Refused: way");
-    EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#1)");
-}
-
-TEST(FolderItemByPath, IsGivenWhereThePathCannotBeReleased) {
-    FolderItemScene scene;
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_NE(scene.convert(rootFolder).handle(), nullptr);
-    EXPECT_THAT(scene.host.lookups(), Contains("miss REALUnlockString"));
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(), ElementsAre(testing::StartsWith("String#1 leaked")));
 }

@@ -134,17 +134,6 @@ TEST(FolderItem, OfAnExistingFileIsNilWhereTheHostMakesNone) {
         << "the other route is not tried";
 }
 
-TEST(FolderItem, OfAnExistingFileIsNilWithoutTheService) {
-    FolderItemScene scene;
-    const fs::path file = scene.folder.file("file");
-    scene.host.services().hide("REALFolderItemFromParentFSRef");
-    EXPECT_EQ(scene.convert(file).handle(), nullptr);
-    EXPECT_EQ(scene.host.trace().back(), "miss REALFolderItemFromParentFSRef");
-    scene.host.services().restore("REALFolderItemFromParentFSRef");
-    EXPECT_NE(scene.convert(file).handle(), nullptr);
-    EXPECT_EQ(scene.host.services().lookups("REALFolderItemFromParentFSRef"), 2u);
-}
-
 // Only the volume's root folder has this node ID.
 TEST(FolderItem, KeepsTheParentOfAnyOtherNode) {
     FolderItemScene scene;

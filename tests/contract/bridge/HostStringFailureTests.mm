@@ -12,15 +12,6 @@
 using testing::Contains;
 using testing::ElementsAre;
 
-namespace {
-
-constexpr const char *findLenB =
-    "REALLoadGlobalMethod(nil, \"LenB( s as string ) as integer\") = pointer";
-constexpr const char *missLenB =
-    "REALLoadGlobalMethod(nil, \"LenB( s as string ) as integer\") = nil";
-
-} // namespace
-
 TEST(HostStringWithout, REALGetStringEncodingIsAskedForAsACFString) {
     HostStringScene scene;
     scene.host.services().hide("REALGetStringEncoding");
@@ -40,69 +31,6 @@ TEST(HostStringWithout, REALGetStringEncodingIsMacRomanInItsBytes) {
     EXPECT_EQ(unitsOf(scene.convertBytes("\x8E", host::encoding::latin1)), u"\u00E9");
     EXPECT_THAT(scene.host.calls(),
                 Contains("CFStringCreateWithBytes(\"\\x8E\", 1, 0x00000000, true)"));
-}
-
-TEST(HostStringWithout, REALGetStringEncodingLooksForItAgain) {
-    HostStringScene scene;
-    scene.host.services().hide("REALGetStringEncoding");
-    scene.convertBytes("a", host::encoding::utf8);
-    scene.host.services().restore("REALGetStringEncoding");
-    scene.host.clearTrace();
-    scene.convert(scene.string);
-    EXPECT_EQ(scene.host.trace().front(), "find REALGetStringEncoding");
-}
-
-TEST(HostStringWithout, REALGetStringCFStringIsReadFromItsBytes) {
-    HostStringScene scene;
-    scene.host.services().hide("REALGetStringCFString");
-    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
-    scene.convert(scene.string);
-    EXPECT_EQ(scene.host.services().lookups("REALGetStringCFString"), 4u)
-        << "both wrappers ask at each conversion";
-}
-
-TEST(HostStringWithout, REALLockStringIsReadAllTheSame) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.services().hide("REALLockString");
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
-    EXPECT_EQ(scene.host.references(scene.string.handle()), 1);
-    EXPECT_EQ(scene.host.lookups().back(), "miss REALUnlockString");
-}
-
-TEST(HostStringWithout, REALUnlockStringStaysLocked) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"abc");
-    EXPECT_EQ(scene.host.references(scene.string.handle()), 2);
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released")));
-}
-
-TEST(HostStringWithout, AnythingToReadItByIsEmpty) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.services().hide("StringGetCString");
-    scene.host.services().hide("REALLoadGlobalMethod");
-    NSString *result = scene.convertBytes("abc", host::encoding::utf8);
-    ASSERT_NE(result, nil);
-    EXPECT_EQ(unitsOf(result), u"");
-    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(nil, 0, 0x08000100, true)"));
-    EXPECT_EQ(scene.host.calls().back(), "REALUnlockString(String#1)");
-}
-
-TEST(HostStringWithout, AnythingToReadItByIsEmptyInUTF16Too) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.services().hide("StringGetCString");
-    scene.host.services().hide("REALLoadGlobalMethod");
-    NSString *result = scene.convertBytes("abc", host::encoding::utf16);
-    ASSERT_NE(result, nil);
-    EXPECT_EQ(unitsOf(result), u"");
-    EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithCharacters(nil, 0)"));
 }
 
 // Bytes and count come from two places. Core Foundation must not be told to read bytes nowhere.
@@ -126,28 +54,6 @@ TEST(HostStringWithout, LenBIsEmpty) {
     ASSERT_NE(result, nil);
     EXPECT_EQ(unitsOf(result), u"");
     EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(\"\", 0, 0x08000100, true)"));
-}
-
-TEST(HostStringWithout, LenBLooksForItAgain) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.hideMethod("LenB(s as string) as integer");
-    scene.convertBytes("abc", host::encoding::utf8);
-    EXPECT_THAT(scene.host.calls(), Contains(missLenB));
-    scene.host.showMethod("LenB(s as string) as integer");
-    scene.host.clearTrace();
-    EXPECT_EQ(unitsOf(scene.convert(scene.string)), u"abc");
-    EXPECT_THAT(scene.host.calls(), Contains(findLenB));
-}
-
-TEST(HostStringWithout, REALLoadGlobalMethodLooksForItAgain) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.host.services().hide("REALLoadGlobalMethod");
-    EXPECT_EQ(unitsOf(scene.convertBytes("abc", host::encoding::utf8)), u"");
-    scene.host.services().restore("REALLoadGlobalMethod");
-    EXPECT_EQ(unitsOf(scene.convert(scene.string)), u"abc");
-    EXPECT_EQ(scene.host.services().lookups("REALLoadGlobalMethod"), 2u);
 }
 
 namespace {
@@ -236,21 +142,6 @@ TEST_P(HostStringLeft, ByAnExceptionIsUnlocked) {
 
 INSTANTIATE_TEST_SUITE_P(At, HostStringLeft, testing::ValuesIn(everyWay()), nameOf);
 
-TEST(HostStringNotYetLocked, LeavesNothingToUnlock) {
-    HostStringScene scene;
-    for (const char *service :
-         {"REALGetStringEncoding", "REALGetStringCFString", "REALLockString"}) {
-        SCOPED_TRACE(service);
-        scene.handOutNoCFString();
-        scene.host.services().fail(service, [] { throw std::runtime_error("on the way"); });
-        EXPECT_EQ(standardExceptionFrom([&] { scene.convertBytes("abc", host::encoding::utf8); }),
-                  "on the way");
-        scene.host.services().restore(service);
-        EXPECT_EQ(scene.host.references(scene.string.handle()), 1);
-    }
-    EXPECT_EQ(scene.host.services().calls("REALUnlockString"), 0u);
-}
-
 TEST(HostStringThatCannotBeUnlocked, LeavesNoCocoaStringBehind) {
     const OwnObject<TracedObject> made;
     made->name = "made";
@@ -265,21 +156,6 @@ TEST(HostStringThatCannotBeUnlocked, LeavesNoCocoaStringBehind) {
         scene.creation.answer([made retain]);
     }
     [made release];
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released"),
-                            testing::StartsWith("String#2 leaked, 1 reference never released")));
-}
-
-TEST(HostStringThatCannotBeUnlocked, LetsTheExceptionOut) {
-    HostStringScene scene;
-    scene.handOutNoCFString();
-    scene.creation.answer(nullptr);
-    const auto convert = [&] { scene.convertBytes("abc", host::encoding::utf8); };
-    scene.host.services().fail("REALUnlockString", [] { throwOf(Kind::standard); });
-    EXPECT_EQ(standardExceptionFrom(convert), "on the way");
-    scene.host.services().fail("REALUnlockString", [] { throwOf(Kind::cocoa); });
-    EXPECT_EQ(cocoaExceptionFrom(convert), "Refused: way");
     scene.host.shutDown();
     EXPECT_THAT(scene.host.violations(),
                 ElementsAre(testing::StartsWith("String#1 leaked, 1 reference never released"),

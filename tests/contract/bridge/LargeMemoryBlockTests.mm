@@ -181,27 +181,12 @@ TEST(LargeMemoryBlock, IsReleasedWhenTheGuardThrowsAfterIt) {
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
 }
 
-TEST(LargeMemoryBlock, WithoutTheGuardIsReported) {
-    MemoryBlockScene scene;
-    scene.host.services().hide("PluginCallFunctionWithExceptionHandler");
-    EXPECT_EQ(scene.convertSize(threeBillion).handle(), nullptr);
-    EXPECT_THAT(scene.hostCalls(), ElementsAreArray(raisingOutOfMemory(threeBillion, 1)));
-    scene.expectOutOfMemory(threeBillion);
-}
-
 TEST(LargeMemoryBlock, WithoutItsConstructorIsReported) {
     MemoryBlockScene scene;
     scene.host.hideMethod("Constructor(bytes as Integer)");
     EXPECT_EQ(scene.convertSize(threeBillion).handle(), nullptr);
     scene.expectOutOfMemory(threeBillion);
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(LargeMemoryBlock, WithoutItsClassIsReported) {
-    MemoryBlockScene scene;
-    scene.host.hideClass("MemoryBlock");
-    EXPECT_EQ(scene.convertSize(threeBillion).handle(), nullptr);
-    scene.expectOutOfMemory(threeBillion);
 }
 
 // Of the largest length that counts as one.

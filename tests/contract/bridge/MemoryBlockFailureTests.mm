@@ -12,7 +12,6 @@
 #include <utility>
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
@@ -23,24 +22,6 @@ TEST(MemoryBlockFailure, OfTheServiceIsToldWithTheSize) {
     EXPECT_THAT(scene.hostCalls(), ElementsAreArray(inOrder(Lines{"newMemoryBlock(1234) = nil"},
                                                             raisingOutOfMemory(1234, 1))));
     scene.expectOutOfMemory(1234);
-}
-
-TEST(MemoryBlockFailure, OfAMissingServiceIsToldWithTheSize) {
-    MemoryBlockScene scene;
-    scene.host.services().hide("newMemoryBlock");
-    EXPECT_EQ(scene.convertSize(1).handle(), nullptr);
-    EXPECT_THAT(scene.hostCalls(), ElementsAreArray(raisingOutOfMemory(1, 1)));
-    EXPECT_EQ(scene.host.services().lookups("newMemoryBlock"), 1u);
-    scene.expectOutOfMemory(1);
-}
-
-TEST(MemoryBlockFailure, OfAHostWithoutThatMuchMemoryIsTold) {
-    MemoryBlockScene scene;
-    scene.host.setMemoryBlockLimit(15);
-    EXPECT_EQ(scene.convertSize(16).handle(), nullptr);
-    scene.expectOutOfMemory(16);
-    EXPECT_NE(scene.convertSize(15).handle(), nullptr);
-    EXPECT_FALSE(scene.host.hasPendingException());
 }
 
 TEST(MemoryBlockFailure, ToGiveADataPointerReleasesTheBlock) {
@@ -56,18 +37,6 @@ TEST(MemoryBlockFailure, ToGiveADataPointerReleasesTheBlock) {
             raisingOutOfMemory(5, 3))));
     scene.expectOutOfMemory(5);
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(MemoryBlockFailure, WithoutMethodAndServiceReleasesTheBlock) {
-    MemoryBlockScene scene;
-    scene.hideDataPointerMethod();
-    scene.host.services().hide("memoryBlockGetPtr");
-    EXPECT_EQ(scene.convertSize(5).handle(), nullptr);
-    EXPECT_THAT(scene.hostCalls(),
-                ElementsAreArray(inOrder(
-                    Lines{"newMemoryBlock(5) = MemoryBlock#1"}, loadingFromScratch(2, "nil"),
-                    Lines{"REALUnlockObject(MemoryBlock#1)"}, raisingOutOfMemory(5, 3))));
-    scene.expectOutOfMemory(5);
 }
 
 namespace {
@@ -92,16 +61,6 @@ TEST(MemoryBlockFailure, OfTheMethodReleasesTheBlock) {
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
 }
 
-TEST(MemoryBlockFailure, LeavesTheNextConversionAsItWas) {
-    MemoryBlockScene scene;
-    scene.host.services().answerNull("newMemoryBlock");
-    scene.convertSize(5);
-    scene.expectOutOfMemory(5);
-    scene.host.services().restore("newMemoryBlock");
-    EXPECT_NE(scene.convertSize(5).handle(), nullptr);
-    EXPECT_FALSE(scene.host.hasPendingException());
-}
-
 namespace {
 
 enum class Thrown : std::uint8_t { badAlloc, standard, cocoa };
@@ -114,31 +73,6 @@ void throwOf(Thrown thrown) {
     refusing("way")("way");
 }
 
-/// A host call of the conversion that throws the first time.
-struct Step {
-    const char *name;
-    const char *service; ///< null: the data pointer's method itself
-    std::int64_t size = 5;
-    bool hidesMethod = false;
-    const char *refused = nullptr; ///< a service that answers nothing
-};
-void PrintTo(const Step &step, std::ostream *out) {
-    *out << step.name;
-}
-
-constexpr Step steps[] = {
-    {"MakingTheBlock", "newMemoryBlock"},
-    {"LoadingTheMethod", "REALLoadObjectMethod"},
-    {"ReleasingTheScratchBlock", "REALUnlockObject"},
-    {"TheMethod", nullptr},
-    {"TheDataPointersService", "memoryBlockGetPtr", 5, true},
-    {"TheGuard", "PluginCallFunctionWithExceptionHandler", leastLargeSize},
-    {"MakingTheInstance", "PluginNewInstance", leastLargeSize},
-    {"LoadingTheConstructor", "REALLoadObjectMethod", leastLargeSize},
-    {"ReadingTheSize", "REALGetPropValueInteger", leastLargeSize},
-    {"AskingForTheSize", "memoryBlockGetSize", leastLargeSize, false, "REALGetPropValueInteger"},
-};
-
 Thrown thrownByMethod;
 void *throwingMethod(host::ObjectHandle) {
     throwOf(thrownByMethod);
@@ -148,39 +82,30 @@ void *loadThrowingMethod(host::ObjectHandle, const char *) {
     return reinterpret_cast<void *>(throwingMethod);
 }
 
+/// A host call of the conversion that throws: the data pointer's method, or the service that is
+/// asked for a large block's size where the property cannot be read.
+enum class Step : std::uint8_t { method, size };
+
 class MemoryBlockStep : public testing::TestWithParam<Step> {
 protected:
     void arrange(Thrown thrown) {
-        const Step &step = GetParam();
-        if (step.hidesMethod)
-            scene.hideDataPointerMethod();
-        if (step.refused != nullptr)
-            scene.host.services().answerNull(step.refused);
-        if (step.service == nullptr) {
-            thrownByMethod = thrown;
-            scene.host.services().replace("REALLoadObjectMethod", loadThrowingMethod);
-            return;
-        }
-        scene.host.services().fail(step.service, [this, thrown] {
-            if (!std::exchange(hasThrown, true))
-                throwOf(thrown);
-        });
+        host::Services &services = scene.host.services();
+        thrownByMethod = thrown;
+        if (GetParam() == Step::method)
+            return services.replace("REALLoadObjectMethod", loadThrowingMethod);
+        services.answerNull("REALGetPropValueInteger");
+        services.fail("memoryBlockGetSize", [thrown] { throwOf(thrown); });
     }
-    host::ObjectRef convert() { return scene.convertSize(GetParam().size); }
-    /// Whatever was made on the way is released, but for what the host refused to release.
+    [[nodiscard]] static std::int64_t size() {
+        return GetParam() == Step::method ? 5 : leastLargeSize;
+    }
+    host::ObjectRef convert() { return scene.convertSize(size()); }
     void expectNothingLeft() {
-        if (GetParam().service != nullptr)
-            EXPECT_TRUE(hasThrown);
         scene.host.shutDown();
-        if (GetParam().name == std::string_view("ReleasingTheScratchBlock"))
-            EXPECT_THAT(scene.host.violations(),
-                        ElementsAre(testing::StartsWith("MemoryBlock#2 leaked, 1 reference")));
-        else
-            EXPECT_THAT(scene.host.violations(), IsEmpty());
+        EXPECT_THAT(scene.host.violations(), IsEmpty());
     }
 
     MemoryBlockScene scene;
-    bool hasThrown = false;
 };
 
 } // namespace
@@ -188,7 +113,7 @@ protected:
 TEST_P(MemoryBlockStep, ThatRunsOutOfMemoryIsReported) {
     arrange(Thrown::badAlloc);
     EXPECT_EQ(convert().handle(), nullptr);
-    scene.expectOutOfMemory(GetParam().size);
+    scene.expectOutOfMemory(size());
     EXPECT_THAT(scene.host.strayExceptions(), IsEmpty());
     expectNothingLeft();
 }
@@ -207,8 +132,10 @@ TEST_P(MemoryBlockStep, LetsACocoaExceptionPass) {
     expectNothingLeft();
 }
 
-INSTANTIATE_TEST_SUITE_P(, MemoryBlockStep, testing::ValuesIn(steps),
-                         [](const auto &tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(, MemoryBlockStep, testing::Values(Step::method, Step::size),
+                         [](const auto &tested) {
+                             return tested.param == Step::method ? "TheMethod" : "AskingForTheSize";
+                         });
 
 namespace {
 
@@ -237,35 +164,6 @@ INSTANTIATE_TEST_SUITE_P(, MemoryBlockReportStep,
                          testing::Values("PluginNewInstance", "REALSetPropValueString",
                                          "REALSetPropValueInteger", "RuntimeRaiseException"),
                          [](const auto &tested) { return std::string(tested.param); });
-
-// The exception of a large block's constructor is dropped, but not the failure to drop it.
-TEST(MemoryBlockReport, OfALargeBlockLetsAFailingReleasePass) {
-    MemoryBlockScene scene;
-    scene.host.setMemoryBlockLimit(15);
-    std::vector<std::string> released;
-    scene.host.services().fail("REALUnlockObject", [&] {
-        released.push_back(scene.host.calls().back());
-        if (released.back() != "REALUnlockObject(MemoryBlock#1)")
-            throwOf(Thrown::standard);
-    });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(leastLargeSize); }), "on the way");
-    EXPECT_THAT(released, ElementsAre("REALUnlockObject(MemoryBlock#1)",
-                                      "REALUnlockObject(OutOfMemoryException#2)"));
-    EXPECT_EQ(scene.host.services().calls("RuntimeRaiseException"), 0u);
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(testing::StartsWith("OutOfMemoryException#2 leaked, 1 reference")));
-}
-
-TEST(MemoryBlockReport, LetsAnotherExceptionPass) {
-    MemoryBlockScene scene;
-    scene.host.services().answerNull("newMemoryBlock");
-    scene.host.services().fail("PluginNewInstance", [] { throwOf(Thrown::standard); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(5); }), "on the way");
-    EXPECT_EQ(scene.host.services().calls("RuntimeRaiseException"), 0u);
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(), IsEmpty());
-}
 
 // Reading the data is no call of the host's.
 TEST(MemoryBlockData, ThatThrowsIsNotReported) {

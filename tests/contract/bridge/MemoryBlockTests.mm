@@ -168,17 +168,6 @@ TEST(MemoryBlock, IsFilledThroughTheServiceWhereTheMethodIsMissing) {
     EXPECT_EQ(scene.host.services().calls("memoryBlockGetPtr"), 1u);
 }
 
-TEST(MemoryBlock, IsFilledThroughTheServiceWhereNoMethodCanBeLoaded) {
-    MemoryBlockScene scene;
-    scene.host.services().hide("REALLoadObjectMethod");
-    const host::ObjectRef made = scene.convert(dataOf("abc"));
-    EXPECT_EQ(host::memoryBlockBytes(made), "abc");
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre("newMemoryBlock(3) = MemoryBlock#1",
-                            "newMemoryBlock(4) = MemoryBlock#2", "REALUnlockObject(MemoryBlock#2)",
-                            "memoryBlockGetPtr(MemoryBlock#1) = pointer"));
-}
-
 TEST(MemoryBlock, IsAskedForTheMethodItselfWithoutAScratchBlock) {
     MemoryBlockScene scene;
     host::Services &services = scene.host.services();
@@ -190,16 +179,4 @@ TEST(MemoryBlock, IsAskedForTheMethodItselfWithoutAScratchBlock) {
                             "REALLoadObjectMethod(MemoryBlock#1, \"Operator_Convert() As Ptr\") "
                             "= pointer",
                             "MemoryBlock.Operator_Convert(MemoryBlock#1) = pointer"));
-}
-
-TEST(MemoryBlock, KeepsItsScratchBlockWhereNothingCanBeReleased) {
-    MemoryBlockScene scene;
-    scene.host.services().hide("REALUnlockObject");
-    const host::ObjectRef made = scene.convert(dataOf("abc"));
-    EXPECT_EQ(host::memoryBlockBytes(made), "abc");
-    EXPECT_THAT(scene.host.liveObjects(), ElementsAre(block(1), block(2)));
-    EXPECT_THAT(scene.host.lookups(), testing::Contains("miss REALUnlockObject"));
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(testing::StartsWith("MemoryBlock#2 leaked, 1 reference")));
 }

@@ -7,7 +7,6 @@
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -78,28 +77,6 @@ TEST(MemoryBlockWork, PassesASizeOf64Bits) {
     EXPECT_THAT(scene.host.calls(), Contains("MemoryBlock.Constructor(MemoryBlock#1, 3000000000)"));
 }
 
-TEST(MemoryBlockWork, WithoutPluginNewInstanceMakesNothing) {
-    WorkScene scene;
-    scene.host.services().hide("PluginNewInstance");
-    EXPECT_EQ(scene.work(100).handle(), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss PluginNewInstance"));
-}
-
-TEST(MemoryBlockWork, WithoutTheClassMakesNothing) {
-    WorkScene scene;
-    scene.host.hideClass("MemoryBlock");
-    EXPECT_EQ(scene.work(100).handle(), nullptr);
-    EXPECT_THAT(scene.host.calls(), ElementsAre("PluginNewInstance(\"MemoryBlock\") = nil"));
-}
-
-TEST(MemoryBlockWork, LoadsTheConstructorFromTheFirstInstanceThatThereIs) {
-    WorkScene scene;
-    scene.host.hideClass("MemoryBlock");
-    scene.work(100);
-    scene.host.showClass("MemoryBlock");
-    EXPECT_EQ(host::memoryBlockSize(scene.work(100)), 100u);
-}
-
 TEST(MemoryBlockWork, WithoutConstructorReleasesTheInstance) {
     WorkScene scene;
     scene.host.hideMethod(constructor);
@@ -121,23 +98,6 @@ TEST(MemoryBlockWork, KeepsThatThereIsNoConstructor) {
     EXPECT_THAT(scene.host.calls(),
                 ElementsAre("PluginNewInstance(\"MemoryBlock\") = MemoryBlock#2",
                             "REALUnlockObject(MemoryBlock#2)"));
-}
-
-TEST(MemoryBlockWork, KeepsThatNoConstructorCouldBeLoaded) {
-    WorkScene scene;
-    scene.host.services().hide("REALLoadObjectMethod");
-    EXPECT_EQ(scene.work(100).handle(), nullptr);
-    scene.host.services().restore("REALLoadObjectMethod");
-    EXPECT_EQ(scene.work(100).handle(), nullptr);
-    EXPECT_EQ(scene.host.services().lookups("REALLoadObjectMethod"), 1u);
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(MemoryBlockWork, AsksTheServiceForTheSizeWhereThePropertyCannotBeRead) {
-    WorkScene scene;
-    scene.host.services().hide("REALGetPropValueInteger");
-    EXPECT_EQ(host::memoryBlockSize(scene.work(100)), 100u);
-    EXPECT_THAT(scene.host.calls(), Contains("memoryBlockGetSize(MemoryBlock#1) = 100"));
 }
 
 TEST(MemoryBlockWork, TakesNoSizeFromAPropertyThatCouldNotBeRead) {
@@ -191,14 +151,4 @@ TEST(MemoryBlockWork, DoesNotAskTheServiceForASizeThatThePropertyTold) {
     scene.host.services().replace("REALGetPropValueInteger", reportSize);
     scene.work(100);
     EXPECT_EQ(scene.host.services().lookups("memoryBlockGetSize"), 0u);
-}
-
-TEST(MemoryBlockWork, LeavesWhatTheConstructorRaisesToTheGuard) {
-    WorkScene scene;
-    scene.host.setMemoryBlockLimit(99);
-    EXPECT_EQ(scene.work(100).handle(), nullptr);
-    const auto raised = scene.host.takePendingException();
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->className, "OutOfMemoryException");
-    EXPECT_THAT(scene.host.liveObjects(), ElementsAre(scene.host.name(raised->object.handle())));
 }

@@ -7,7 +7,6 @@
 #include <sys/mman.h>
 
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <optional>
 #include <ostream>
@@ -154,28 +153,6 @@ TEST_P(PlainText, IsBuiltAndThenDeclared) {
 
 INSTANTIATE_TEST_SUITE_P(Of, PlainText, testing::ValuesIn(plainCases),
                          [](const auto &tested) { return tested.param.name; });
-
-TEST(PlainTextServices, GiveNilWithoutREALBuildString) {
-    TextScene scene;
-    scene.host.services().hide("REALBuildString");
-    EXPECT_EQ(scene.build("abc", encoding::utf8), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss REALBuildString"));
-}
-
-TEST(PlainTextServices, GiveNilWhenNothingWasBuilt) {
-    TextScene scene;
-    scene.host.services().answerNull("REALBuildString");
-    EXPECT_EQ(scene.build("abc", encoding::utf8), nullptr);
-    EXPECT_THAT(scene.host.calls(), ElementsAre(R"(REALBuildString("abc", 3) = nil)"));
-}
-
-TEST(PlainTextServices, GiveTheUndeclaredStringWithoutREALSetStringEncoding) {
-    TextScene scene;
-    scene.host.services().hide("REALSetStringEncoding");
-    const host::StringRef built = scene.build("abc", encoding::utf8);
-    EXPECT_EQ(scene.host.name(built.handle()), "String#1");
-    EXPECT_EQ(scene.host.encodingOf(built), encoding::unknown);
-}
 
 TEST(PlainTextServices, AreGivenTheCallersOwnBytes) {
     TextScene scene;

@@ -12,8 +12,6 @@
 #include <string_view>
 
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -148,15 +146,6 @@ TEST(Utf16ServicesOfANewHost, IsConvertedEvenWhenNothingWasBuilt) {
                             "REALConvertString(nil, 0x08000100) = nil"));
 }
 
-TEST(Utf16ServicesOfANewHost, IsConvertedEvenWithoutREALBuildStringWithEncoding) {
-    TextScene scene(newVersion);
-    scene.host.services().hide("REALBuildStringWithEncoding");
-    EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
-    EXPECT_THAT(scene.host.trace(),
-                ElementsAre("miss REALBuildStringWithEncoding", "find REALConvertString",
-                            "REALConvertString(nil, 0x08000100) = nil"));
-}
-
 TEST(Utf16ServicesOfANewHost, IsWhateverTheHostMakesOfNil) {
     TextScene scene(newVersion);
     scene.host.services().answerNull("REALBuildStringWithEncoding");
@@ -165,69 +154,9 @@ TEST(Utf16ServicesOfANewHost, IsWhateverTheHostMakesOfNil) {
     EXPECT_EQ(scene.host.text(scene.build("A\0"sv, encoding::utf16)), "made of nil");
 }
 
-TEST(Utf16ServicesOfANewHost, IsNilAndReleasedWithoutREALConvertString) {
-    TextScene scene(newVersion);
-    scene.host.services().hide("REALConvertString");
-    EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre(R"(REALBuildStringWithEncoding("A\x00", 2, 0x00000100) = String#1)",
-                            "REALUnlockString(String#1)"));
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-}
-
-TEST(Utf16ServicesOfANewHost, IsNilAndReleasedWhenItCannotBeConverted) {
-    TextScene scene(newVersion);
-    scene.host.services().answerNull("REALConvertString");
-    EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-}
-
-TEST(Utf16ServicesOfANewHost, IsConvertedWithoutREALUnlockString) {
-    TextScene scene(newVersion);
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(scene.host.text(scene.build("A\0"sv, encoding::utf16)), "A");
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(), ElementsAre(HasSubstr("String#1 leaked, 1 reference")));
-}
-
 TEST(Utf16ServicesOfAnOldHost, IsNilWhenNothingWasBuilt) {
     TextScene scene(oldVersion);
     scene.host.services().answerNull("REALBuildString");
     EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
     EXPECT_THAT(scene.host.calls(), ElementsAre(R"(REALBuildString("A\x00", 2) = nil)"));
-}
-
-TEST(Utf16ServicesOfAnOldHost, IsNilWithoutREALBuildString) {
-    TextScene scene(oldVersion);
-    scene.host.services().hide("REALBuildString");
-    EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss REALBuildString"));
-}
-
-TEST(Utf16ServicesOfAnOldHost, IsConvertedWithoutREALSetStringEncoding) {
-    TextScene scene(oldVersion);
-    scene.host.services().hide("REALSetStringEncoding");
-    scene.build("A\0"sv, encoding::utf16);
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre(R"(REALBuildString("A\x00", 2) = String#1)",
-                            "REALConvertString(String#1, 0x08000100) = String#2",
-                            "REALUnlockString(String#1)"));
-}
-
-TEST(Utf16ServicesOfAnOldHost, IsNilAndReleasedWithoutREALConvertString) {
-    TextScene scene(oldVersion);
-    scene.host.services().hide("REALConvertString");
-    EXPECT_EQ(scene.build("A\0"sv, encoding::utf16), nullptr);
-    EXPECT_THAT(scene.host.calls(), ElementsAre(R"(REALBuildString("A\x00", 2) = String#1)",
-                                                "REALSetStringEncoding(String#1, 0x00000100)",
-                                                "REALUnlockString(String#1)"));
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-}
-
-TEST(Utf16ServicesOfAnOldHost, IsConvertedWithoutREALUnlockString) {
-    TextScene scene(oldVersion);
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(scene.host.text(scene.build("A\0"sv, encoding::utf16)), "A");
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(), ElementsAre(HasSubstr("String#1 leaked, 1 reference")));
 }

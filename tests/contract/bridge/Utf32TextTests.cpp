@@ -15,7 +15,6 @@
 
 using testing::ElementsAre;
 using testing::Ge;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -322,29 +321,4 @@ TEST(Utf32ServicesOfANewHost, ConvertEvenWhenNothingWasBuilt) {
     EXPECT_THAT(scene.host.calls(),
                 ElementsAre(R"(REALBuildStringWithEncoding("A\x00\x00\x00", 4, 0x0C000100) = nil)",
                             "REALConvertString(nil, 0x08000100) = nil"));
-}
-
-TEST(Utf32ServicesOfANewHost, ConvertEvenWithoutREALBuildStringWithEncoding) {
-    TextScene scene(hostConverts);
-    scene.host.services().hide("REALBuildStringWithEncoding");
-    EXPECT_EQ(scene.build("A\0\0\0"sv, encoding::utf32), nullptr);
-    EXPECT_THAT(scene.host.calls(), ElementsAre("REALConvertString(nil, 0x08000100) = nil"));
-}
-
-TEST(Utf32ServicesOfANewHost, ReleaseWithoutREALConvertString) {
-    TextScene scene(hostConverts);
-    scene.host.services().hide("REALConvertString");
-    EXPECT_EQ(scene.build("A\0\0\0"sv, encoding::utf32), nullptr);
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre(R"(REALBuildStringWithEncoding("A\x00\x00\x00", 4, 0x0C000100))"
-                            " = String#1",
-                            "REALUnlockString(String#1)"));
-}
-
-TEST(Utf32ServicesOfANewHost, ConvertWithoutREALUnlockString) {
-    TextScene scene(hostConverts);
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(scene.host.text(scene.build("A\0\0\0"sv, encoding::utf32)), "A");
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(), ElementsAre(HasSubstr("String#1 leaked, 1 reference")));
 }

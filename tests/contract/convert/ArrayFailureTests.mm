@@ -5,8 +5,6 @@
 #import "OwnObject.h"
 #import "ValueScene.h"
 
-#include "host/classes/Inspect.h"
-
 #include <gmock/gmock.h>
 
 #include <stdexcept>
@@ -15,11 +13,8 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 namespace {
-
-constexpr const char *create = "RuntimeArrayCreateSingleDimBoundedArray(4, -1) = Array#1";
 
 NSArray *oneAndTwo() {
     return [NSArray arrayWithObjects:[NSNumber numberWithInt:1], [NSNumber numberWithInt:2], nil];
@@ -53,15 +48,6 @@ void *throwingProcedure(host::ObjectHandle) {
 
 } // namespace
 
-TEST(ArrayWithout, TheServiceThatCreatesItIsNilAndAsksForNothing) {
-    ValueScene scene;
-    scene.host.services().hide("RuntimeArrayCreateSingleDimBoundedArray");
-    const OwnObject<TracedArray> source;
-    source->elements = numbers({1});
-    EXPECT_EQ(scene.convertObject(source), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss RuntimeArrayCreateSingleDimBoundedArray"));
-}
-
 TEST(ArrayWithout, AHostArrayIsNilAndAsksForNothing) {
     ValueScene scene;
     scene.host.services().answerNull("RuntimeArrayCreateSingleDimBoundedArray");
@@ -72,33 +58,6 @@ TEST(ArrayWithout, AHostArrayIsNilAndAsksForNothing) {
                 ElementsAre("RuntimeArrayCreateSingleDimBoundedArray(4, -1) = nil"));
 }
 
-TEST(ArrayWithout, TheServiceForInsertionConvertsAndReleasesAllTheSame) {
-    ValueScene scene;
-    scene.host.services().hide("PluginObjectArrayInsertProc");
-    const host::ObjectRef array = scene.convert(oneAndTwo());
-    EXPECT_THAT(scene.host.trace(),
-                ElementsAre("find RuntimeArrayCreateSingleDimBoundedArray", create,
-                            "find IntegerToVariant", "IntegerToVariant(1) = Variant#2",
-                            "miss PluginObjectArrayInsertProc", "find REALUnlockObject",
-                            "REALUnlockObject(Variant#2)", "IntegerToVariant(2) = Variant#3",
-                            "miss PluginObjectArrayInsertProc", "REALUnlockObject(Variant#3)"));
-    EXPECT_EQ(host::arrayCount(array), 0u);
-    EXPECT_EQ(scene.host.account().liveObjects, 1u);
-}
-
-TEST(ArrayWithout, AnInsertProcedureConvertsAndReleasesAllTheSame) {
-    ValueScene scene;
-    scene.host.services().answerNull("PluginObjectArrayInsertProc");
-    const host::ObjectRef array = scene.convert(oneAndTwo());
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre(create, "IntegerToVariant(1) = Variant#2",
-                            "PluginObjectArrayInsertProc(Array#1) = nil",
-                            "REALUnlockObject(Variant#2)", "IntegerToVariant(2) = Variant#3",
-                            "PluginObjectArrayInsertProc(Array#1) = nil",
-                            "REALUnlockObject(Variant#3)"));
-    EXPECT_EQ(host::arrayCount(array), 0u);
-}
-
 TEST(ArrayWithout, AProcedureForTheFirstElementKeepsTheIndexOfTheSecond) {
     ValueScene scene;
     insertions.clear();
@@ -106,30 +65,6 @@ TEST(ArrayWithout, AProcedureForTheFirstElementKeepsTheIndexOfTheSecond) {
     scene.host.services().replace("PluginObjectArrayInsertProc", procedureForTheSecondElement);
     const host::ObjectRef array = scene.convert(oneAndTwo());
     EXPECT_THAT(insertions, ElementsAre("b Array#1 1 Variant#3"));
-}
-
-TEST(ArrayWithout, TheServiceThatReleasesKeepsTheElementsReferences) {
-    ValueScene scene;
-    scene.host.services().hide("REALUnlockObject");
-    {
-        const host::ObjectRef array = scene.convert(oneAndTwo());
-        EXPECT_EQ(host::arrayCount(array), 2u);
-    }
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("Variant#2 leaked, 1 reference never released"),
-                            StartsWith("Variant#3 leaked, 1 reference never released")));
-}
-
-TEST(ArrayWithout, TheServiceForOneKindOfElementHasNilInItsPlace) {
-    ValueScene scene;
-    scene.host.services().hide("IntegerToVariant");
-    const host::ObjectRef array = scene.convert([NSArray
-        arrayWithObjects:[NSNumber numberWithInt:1], [NSNumber numberWithDouble:2.5], nil]);
-    const auto elements = host::arrayElements(array);
-    ASSERT_EQ(elements.size(), 2u);
-    EXPECT_TRUE(elements[0].isNil());
-    EXPECT_EQ(elements[1].number(), 2.5);
 }
 
 TEST(ArrayInsertion, UsesTheProcedureThatTheHostNamesForEachElement) {
@@ -142,30 +77,6 @@ TEST(ArrayInsertion, UsesTheProcedureThatTheHostNamesForEachElement) {
                                                 [NSNumber numberWithInt:2], nil]);
     EXPECT_THAT(insertions,
                 ElementsAre("a Array#1 0 Variant#2", "b Array#1 1 nil", "a Array#1 2 Variant#3"));
-}
-
-TEST(ArrayLeft, ByAnEnumerationThatRaisesLeavesNothingBehind) {
-    ValueScene scene;
-    const OwnObject<TracedArray> source;
-    source->elements = numbers({1, 2});
-    source->onNext = [](std::size_t position) {
-        if (position == 1)
-            [NSException raise:@"Refused" format:@"nextObject"];
-    };
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(source); }), "Refused: nextObject");
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(ArrayLeft, ByAnElementThatRaisesLeavesNothingBehind) {
-    ValueScene scene;
-    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
-    NSArray *const inner = [NSArray arrayWithObjects:@"b", refusing, nil];
-    EXPECT_EQ(cocoaExceptionFrom(
-                  [&] { scene.convertObject([NSArray arrayWithObjects:@"a", inner, @"c", nil]); }),
-              "Refused: objCType");
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-    EXPECT_EQ(scene.host.services().calls("StringToVariant"), 2u) << "c is not reached";
 }
 
 TEST(ArrayLeft, ByAnInsertionThatThrowsLeavesNothingBehind) {

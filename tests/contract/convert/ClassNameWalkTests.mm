@@ -1,17 +1,12 @@
 // The walk up an object's classes for the first that the host knows, with a check of the object's
 // kind (NewNSObjectZKT) and without (the last step of a conversion).
 
-#include "Caught.h"
 #import "ClassPairs.h"
 #include "DispatchScene.h"
 #import "ShapedObject.h"
 #include "UntypedObjects.h"
 
 #include <gmock/gmock.h>
-
-#include <objc/runtime.h>
-
-#include <stdexcept>
 
 using testing::Each;
 using testing::ElementsAre;
@@ -268,13 +263,4 @@ TEST_F(ClassNameWalk, OfAClassObjectStartsAtTheClass) {
     const host::ObjectRef errors = scene.convert((id)[NSError class]);
     EXPECT_EQ(host.className(errors), "NSErrorZKT");
     EXPECT_EQ(host::siblings::registryCount(), 0u);
-}
-
-TEST_F(ClassNameWalk, LetsExceptionsPassOut) {
-    host.services().fail("PluginNewInstance", [] { throw std::runtime_error("no instance"); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.walkRaw(object, base); }), "no instance");
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertRaw(object); }), "no instance");
-    host.services().fail("PluginNewInstance", [] { [NSException raise:@"Refused" format:@"no"]; });
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.walkRaw(object, base); }), "Refused: no");
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(object); }), "Refused: no");
 }

@@ -252,17 +252,6 @@ TEST_F(CoreFoundationTypes, ANSExceptionFromCoreFoundationLeadsToTheClassNameWal
     EXPECT_EQ(classOf(object), "ShapedObjectZKT");
 }
 
-TEST_F(CoreFoundationTypes, ANSExceptionFromTheHostLeadsToTheClassNameWalk) {
-    knowAll();
-    int requests = 0;
-    host.services().fail("PluginNewInstance", [&] {
-        if (++requests == 1)
-            [NSException raise:@"Refused" format:@"no instance"];
-    });
-    EXPECT_EQ(classOfTyped({CTRunGetTypeID()}), "ShapedObjectZKT");
-    EXPECT_EQ(requests, 2);
-}
-
 TEST_F(CoreFoundationTypes, AnExceptionFromTheQuestionItselfPassesOut) {
     knowAll();
     const Typed object({CTRunGetTypeID()});

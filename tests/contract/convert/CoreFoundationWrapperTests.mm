@@ -113,13 +113,6 @@ TEST_F(CoreFoundationWrapper, WithoutAnyHostClassIsNilAndNothingIsWalked) {
     EXPECT_EQ([run retainCount], references);
 }
 
-TEST_F(CoreFoundationWrapper, WithoutTheServiceIsNil) {
-    host.services().hide("PluginNewInstance");
-    EXPECT_EQ(scene.convertRaw(run), nullptr);
-    EXPECT_THAT(host.lookups(), ElementsAre("miss PluginNewInstance", "miss PluginNewInstance"));
-    EXPECT_EQ(received("class"), 0u);
-}
-
 TEST_F(CoreFoundationWrapper, WithAnotherTagIsNilAndLeftAsItWas) {
     scene.know("ShapedObjectZKT");
     scene.knowCoreFoundation("CFObjectZKT");
@@ -171,13 +164,6 @@ TEST_F(CoreFoundationWrapper, WhoseObjectRefusesTheRetainIsAbandonedForTheWalk) 
     run->onMessage = nullptr;
     host.shutDown();
     static_cast<void>(host.violations()); // whether the first instance is released is left open
-}
-
-TEST_F(CoreFoundationWrapper, LetsAStandardExceptionPass) {
-    scene.know("ShapedObjectZKT");
-    host.services().fail("PluginNewInstance", [] { throw std::runtime_error("no instance"); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertRaw(run); }), "no instance");
-    EXPECT_EQ(received("class"), 0u);
 }
 
 TEST_F(CoreFoundationWrapper, LetsAStandardExceptionFromTheObjectPass) {

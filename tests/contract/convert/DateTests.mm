@@ -12,7 +12,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -184,13 +183,6 @@ TEST(Date, IsNilWhenTheHostDoesNotKnowTheClass) {
     EXPECT_THAT(scene.host.calls(), ElementsAre(R"(PluginNewInstance("Date") = nil)"));
 }
 
-TEST(Date, IsNilWithoutTheServiceForInstances) {
-    ValueScene scene;
-    scene.host.services().hide("PluginNewInstance");
-    EXPECT_EQ(scene.convertObject(dateAt(0)), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss PluginNewInstance"));
-}
-
 TEST(DateWithoutItsMethod, GetsItsPropertiesInOrder) {
     const OwnObject<TracedCalendarDate> calendar;
     ValueScene scene;
@@ -213,29 +205,6 @@ TEST(DateWithoutItsMethod, GetsItsPropertiesInOrder) {
                             R"(REALSetPropValueInteger(Date#1, "Minute", 52) = true)",
                             R"(REALSetPropValueInteger(Date#1, "Second", 53) = true)"));
     EXPECT_EQ(host::dateParts(owner), (DateParts{2013, 11, 4, 21, 52, 53}));
-}
-
-TEST(DateWithoutItsMethod, GetsItsPropertiesWithoutTheServiceForMethodsToo) {
-    setDefaultTimeZone("UTC");
-    ValueScene scene;
-    scene.host.services().hide("REALLoadObjectMethod");
-    const host::ObjectRef converted = scene.convert(dateAt(moment(1999, 12, 31, 23, 58, 57)));
-    EXPECT_EQ(host::dateParts(converted), (DateParts{1999, 12, 31, 23, 58, 57}));
-    EXPECT_EQ(scene.host.services().calls("REALSetPropValueInteger"), 6u);
-}
-
-TEST(DateWithoutItsMethod, StaysAsItWasMadeWithoutTheServiceForProperties) {
-    ValueScene scene;
-    scene.host.hideMethod(constructor);
-    scene.host.services().hide("REALSetPropValueInteger");
-    const host::ObjectRef fresh = scene.host.newInstance("Date");
-    const DateParts untouched = host::dateParts(fresh);
-    scene.host.clearTrace();
-    const host::ObjectRef converted = scene.convert(dateAt(moment(1999, 5, 6, 7, 8, 9)));
-    ASSERT_NE(converted.handle(), nullptr);
-    EXPECT_EQ(host::dateParts(converted), untouched);
-    const auto lookups = scene.host.lookups();
-    EXPECT_EQ(std::ranges::count(lookups, "miss REALSetPropValueInteger"), 6);
 }
 
 TEST(DateWithItsMethod, LooksItUpForEachDate) {

@@ -38,14 +38,6 @@ struct TwoEntries {
     OwnObject<TracedDictionary> dictionary;
 };
 
-std::vector<std::string> convertedAndReleased(const host::Host &host) {
-    std::vector<std::string> result;
-    for (const std::string &line : host.calls())
-        if (line.starts_with("IntegerToVariant") || line.starts_with("REALUnlockObject"))
-            result.push_back(line);
-    return result;
-}
-
 void throwingSetter(host::ObjectHandle, host::ObjectHandle, host::ObjectHandle) {
     throw std::runtime_error("setting");
 }
@@ -60,29 +52,6 @@ TEST(DictionaryWithout, ItsClassInTheHostIsNilAndAsksForNothing) {
     scene.host.hideClass("Dictionary");
     EXPECT_EQ(scene.convertObject(TwoEntries()), nullptr);
     EXPECT_THAT(scene.host.calls(), ElementsAre(R"(PluginNewInstance("Dictionary") = nil)"));
-}
-
-TEST(DictionaryWithout, TheServiceForInstancesIsNilAndAsksForNothing) {
-    DictionaryScene scene;
-    scene.host.services().hide("PluginNewInstance");
-    EXPECT_EQ(scene.convertObject(TwoEntries()), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss PluginNewInstance"));
-}
-
-TEST(DictionaryWithout, TheServiceForMethodsConvertsAndReleasesAllTheSame) {
-    DictionaryScene scene;
-    scene.host.services().hide("REALLoadObjectMethod");
-    const host::ObjectRef dictionary = scene.convert(TwoEntries());
-    EXPECT_THAT(scene.host.lookups(),
-                ElementsAre("find PluginNewInstance", "find IntegerToVariant",
-                            "miss REALLoadObjectMethod", "miss REALLoadObjectMethod",
-                            "miss REALLoadObjectMethod", "find REALUnlockObject"));
-    EXPECT_THAT(convertedAndReleased(scene.host),
-                ElementsAre("IntegerToVariant(1) = Variant#2", "IntegerToVariant(1) = Variant#3",
-                            "REALUnlockObject(Variant#2)", "REALUnlockObject(Variant#3)",
-                            "IntegerToVariant(2) = Variant#4", "IntegerToVariant(2) = Variant#5",
-                            "REALUnlockObject(Variant#4)", "REALUnlockObject(Variant#5)"));
-    EXPECT_THAT(entriesOf(dictionary), IsEmpty());
 }
 
 TEST(DictionaryWithout, ItsSetterConvertsAndReleasesAllTheSame) {
@@ -115,23 +84,6 @@ TEST(DictionaryWithout, ItsGettersIsFilledAllTheSame) {
     EXPECT_THAT(entriesOf(scene.convert(TwoEntries())), ElementsAre("1: 1", "2: 2"));
 }
 
-TEST(DictionaryWithout, TheServiceThatReleasesKeepsTheEntriesReferences) {
-    DictionaryScene scene;
-    scene.host.services().hide("REALUnlockObject");
-    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), ElementsAre("2: 1"));
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("Variant#2 leaked, 1 reference never released"),
-                            StartsWith("Variant#3 leaked, 1 reference never released")));
-}
-
-TEST(DictionaryWithout, TheServiceForItsKeysHasTheKeyNil) {
-    DictionaryScene scene;
-    scene.host.services().hide("IntegerToVariant");
-    EXPECT_THAT(entriesOf(scene.convert([NSDictionary dictionaryWithObject:@"v" forKey:number(1)])),
-                ElementsAre("nil: \"v\""));
-}
-
 TEST(DictionaryInside, IsNilInItsPlaceWhenTheHostRefusesTheInstance) {
     DictionaryScene scene;
     const TwoEntries outer;
@@ -142,55 +94,6 @@ TEST(DictionaryInside, IsNilInItsPlaceWhenTheHostRefusesTheInstance) {
         return oneEntry();
     };
     EXPECT_THAT(entriesOf(scene.convert(outer)), ElementsAre("1: nil", "2: 2"));
-}
-
-TEST(DictionaryLeft, ByAValueThatRaisesLeavesNothingBehind) {
-    DictionaryScene scene;
-    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
-    const TwoEntries entries;
-    entries.dictionary->valueFor = [&](id key) -> id {
-        return [key intValue] == 2 ? refusing : key;
-    };
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objCType");
-    EXPECT_EQ(scene.host.services().calls("IntegerToVariant"), 3u) << "the second key too";
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(DictionaryLeft, ByAKeyThatRaisesLeavesNothingBehind) {
-    DictionaryScene scene;
-    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
-    const TwoEntries entries;
-    entries.keys->elements[1] = refusing;
-    entries.dictionary->valueFor = [](id) { return @"v"; };
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objCType");
-    EXPECT_EQ(scene.host.services().calls("StringToVariant"), 1u) << "the key's value is not";
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
-}
-
-TEST(DictionaryLeft, ByALookUpThatRaisesLeavesNothingBehind) {
-    DictionaryScene scene;
-    const TwoEntries entries;
-    entries.dictionary->valueFor = [](id) -> id {
-        [NSException raise:@"Refused" format:@"objectForKey"];
-        return nil;
-    };
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(entries); }), "Refused: objectForKey");
-    EXPECT_EQ(scene.host.services().calls("IntegerToVariant"), 0u) << "nor is the key converted";
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(DictionaryLeft, ByAnInnerDictionaryThatRaisesLeavesNothingBehind) {
-    DictionaryScene scene;
-    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
-    const TwoEntries inner;
-    inner.dictionary->valueFor = [&](id) { return refusing; };
-    TracedDictionary *const innermost = inner.dictionary;
-    NSArray *const array = [NSArray arrayWithObjects:@"a", innermost, nil];
-    NSDictionary *const outer = [NSDictionary dictionaryWithObject:array forKey:@"k"];
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(outer); }), "Refused: objCType");
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-    EXPECT_THAT(scene.host.liveStrings(), IsEmpty());
 }
 
 TEST(DictionaryLeft, ByASetterThatThrowsLeavesNothingBehind) {
@@ -212,12 +115,4 @@ TEST(DictionaryLeft, ByKeysThatBecomeFewerMeanwhileLeavesNothingBehind) {
     EXPECT_THAT(cocoaExceptionFrom([&] { scene.convertObject(source); }).value_or(""),
                 StartsWith("NSRangeException"));
     EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
-}
-
-TEST(DictionaryLeft, ByAnExceptionDoesNotHarmTheNext) {
-    DictionaryScene scene;
-    RefusingNumber *const refusing = [[[RefusingNumber alloc] init] autorelease];
-    NSDictionary *const bad = [NSDictionary dictionaryWithObject:refusing forKey:number(1)];
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(bad); }), "Refused: objCType");
-    EXPECT_THAT(entriesOf(scene.convert(oneEntry())), ElementsAre("2: 1"));
 }

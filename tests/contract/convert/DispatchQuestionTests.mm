@@ -208,22 +208,3 @@ TEST_F(DispatchQuestions, AnExceptionFromTheRetainOfARowPassesOut) {
     EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(object); }), "Refused: retain");
     EXPECT_EQ(host::siblings::registryCount(), 0u);
 }
-
-TEST_F(DispatchQuestions, AnExceptionFromARequestForAnInstancePassesOut) {
-    host.services().fail("PluginNewInstance", [] { [NSException raise:@"Refused" format:@"no"]; });
-    const Shaped registering({"NSError"});
-    const Shaped walking({"NSIndexSet"});
-    const Shaped unlisted;
-    for (ShapedObject *const object :
-         {(ShapedObject *)registering, (ShapedObject *)walking, (ShapedObject *)unlisted})
-        EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(object); }), "Refused: no");
-}
-
-TEST_F(DispatchQuestions, AnExceptionFromTheRegistryPassesOut) {
-    host.services().fail("REALLockObject", [] { [NSException raise:@"Refused" format:@"no"]; });
-    const host::ObjectRef stored = host.newInstance(processInfoClass);
-    const Shaped object;
-    const RegistryEntry entry((const void *)object, stored.handle());
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(object); }), "Refused: no");
-    EXPECT_EQ(host.references(stored), 1);
-}

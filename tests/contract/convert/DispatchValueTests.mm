@@ -1,10 +1,7 @@
 // URLs, strings and booleans as host values, and the kinds of ordinary objects.
 
 #include "Caught.h"
-#import "ClassPairs.h"
 #include "DispatchScene.h"
-#import "MethodFunctions.h"
-#import "OwnObject.h"
 
 #include "host/classes/Inspect.h"
 
@@ -70,19 +67,6 @@ struct DispatchValue : testing::Test {
     }
 };
 
-void refuse(id, SEL selector) {
-    [NSException raise:@"Refused" format:@"%s", sel_getName(selector)];
-}
-
-// Gives the object a class of its own, whose objects raise at this selector.
-id refusing(id object, SEL selector) {
-    const Class made =
-        makeClass(std::string("Refusing") + object_getClassName(object), object_getClass(object));
-    class_addMethod(made, selector, implementationOf(refuse), "@@:");
-    object_setClass(object, made);
-    return object;
-}
-
 // What makes the host string of @"text", and these lines.
 std::vector<std::string> textThen(const std::string &boxes, const std::string &releases) {
     return {R"(REALBuildString("text", 4) = String#1)",
@@ -123,53 +107,9 @@ TEST_F(DispatchValue, EveryKindOfStringIsText) {
     EXPECT_EQ(textOf([[[UsersString alloc] init] autorelease]), "ok");
 }
 
-TEST_F(DispatchValue, AStringThatTheHostCannotBoxIsNilAndReleased) {
-    host.services().answerNull("StringToVariant");
-    EXPECT_EQ(scene.convertRaw((id) @"text"), nullptr);
-    EXPECT_EQ(host.calls(),
-              textThen("StringToVariant(String#1) = nil", "REALUnlockString(String#1)"));
-    EXPECT_THAT(host.liveStrings(), IsEmpty());
-}
-
-TEST_F(DispatchValue, AStringIsNilWithoutTheServiceThatBoxesIt) {
-    host.services().hide("StringToVariant");
-    EXPECT_EQ(scene.convertRaw((id) @"text"), nullptr);
-    EXPECT_EQ(scene.convertRaw((id) @"text"), nullptr);
-    EXPECT_EQ(host.services().lookups("StringToVariant"), 2u);
-    EXPECT_THAT(host.liveStrings(), IsEmpty());
-}
-
-TEST_F(DispatchValue, AStringIsConvertedWithoutTheServiceThatReleases) {
-    host.services().hide("REALUnlockString");
-    EXPECT_EQ(textOf(@"text"), "text");
-    host.shutDown();
-    EXPECT_THAT(host.violations(), ElementsAre(testing::HasSubstr("String#1 leaked")));
-}
-
 TEST_F(DispatchValue, AStringThatRaisesPassesTheExceptionOut) {
     const id unreadable = [[[UnreadableString alloc] init] autorelease];
     EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(unreadable); }), "Refused: no characters");
-}
-
-TEST_F(DispatchValue, AnExceptionFromWhatAnObjectIsAskedPassesOut) {
-    const int number = 0;
-    const struct {
-        id object;
-        SEL selector;
-    } rows[] = {
-        {.object = [NSURL URLWithString:@"http://example.com/"],
-         .selector = @selector(absoluteString)},
-        {.object = [NSMutableSet set], .selector = @selector(allObjects)},
-        {.object = [NSNumber numberWithDouble:0.5], .selector = @selector(objCType)},
-        {.object = [NSValue valueWithBytes:&number objCType:"{NoSuchStructure=i}"],
-         .selector = @selector(objCType)},
-    };
-    for (const auto &row : rows) {
-        const std::string name = sel_getName(row.selector);
-        SCOPED_TRACE(name);
-        const id object = refusing(row.object, row.selector);
-        EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertRaw(object); }), "Refused: " + name);
-    }
 }
 
 TEST_F(DispatchValue, AWebAddressIsItsAbsoluteText) {
@@ -202,26 +142,11 @@ TEST_F(DispatchValue, AFileURLIsAFolderItem) {
     EXPECT_EQ(host.references(item), 1);
 }
 
-TEST_F(DispatchValue, AFileURLThatTheHostCannotTakeIsItsAbsoluteText) {
-    host.services().hide("REALFolderItemFromParentFSRef");
-    host.services().hide("REALLoadGlobalMethod");
-    EXPECT_EQ(textOf([NSURL fileURLWithPath:@"/no/such/folder/file"]),
-              "file:///no/such/folder/file");
-    EXPECT_EQ(textOf([NSURL fileURLWithPath:@"/" isDirectory:YES]).substr(0, 8), "file:///");
-}
-
 TEST_F(DispatchValue, TheBooleansAreBooleans) {
     const host::ObjectRef yes = scene.convert((id)kCFBooleanTrue);
     const host::ObjectRef no = scene.convert((id)kCFBooleanFalse);
     EXPECT_THAT(host.calls(), ElementsAre("BooleanToVariant(true) = Variant#1",
                                           "BooleanToVariant(false) = Variant#2"));
-}
-
-TEST_F(DispatchValue, TheBooleansAreNilWithoutTheServiceThatBoxesThem) {
-    host.services().hide("BooleanToVariant");
-    EXPECT_EQ(scene.convertRaw((id)kCFBooleanTrue), nullptr);
-    EXPECT_EQ(scene.convertRaw((id)kCFBooleanFalse), nullptr);
-    EXPECT_THAT(host.trace(), ElementsAre("miss BooleanToVariant", "miss BooleanToVariant"));
 }
 
 TEST_F(DispatchValue, EveryOrdinaryObjectHasItsHostClass) {

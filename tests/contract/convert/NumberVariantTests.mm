@@ -19,7 +19,6 @@
 #include <string>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -157,14 +156,6 @@ TEST(Booleans, NeedNotBeNumbers) {
                                                 "BooleanToVariant(true) = Variant#2"));
 }
 
-TEST(Booleans, AreNilWithoutTheService) {
-    ValueScene scene;
-    scene.host.services().hide("BooleanToVariant");
-    EXPECT_EQ(scene.convertObject((id)kCFBooleanFalse), nullptr);
-    EXPECT_EQ(scene.convertObject((id)kCFBooleanTrue), nullptr);
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss BooleanToVariant", "miss BooleanToVariant"));
-}
-
 TEST(Booleans, MadeAsNumbersAreBooleans) {
     ValueScene scene;
     const host::ObjectRef no = scene.convert([NSNumber numberWithBool:NO]);
@@ -261,28 +252,6 @@ TEST(DoubleVariant, IsWhatEveryCodeWithoutARowGives) {
                     ElementsAre("[number doubleValue]",
                                 "DoubleToVariant(2.25) = " + scene.host.name(converted)));
     }
-}
-
-TEST(NumberVariant, IsNilWithoutItsService) {
-    ValueScene scene;
-    for (const ServiceRow &row : serviceRows)
-        scene.host.services().hide(row.service);
-    for (const ServiceRow &row : serviceRows) {
-        SCOPED_TRACE(row.code);
-        scene.host.clearTrace();
-        EXPECT_EQ(scene.convertObject(tracedNumber(row.code, 1, 1)), nullptr);
-        EXPECT_THAT(scene.host.lookups(), ElementsAre("miss " + std::string(row.service)));
-    }
-}
-
-TEST(NumberVariant, IsNilWhenItsServiceMakesNone) {
-    ValueScene scene;
-    for (const ServiceRow &row : serviceRows) {
-        SCOPED_TRACE(row.code);
-        scene.host.services().answerNull(row.service);
-        EXPECT_EQ(scene.convertObject(tracedNumber(row.code, 1, 1)), nullptr);
-    }
-    EXPECT_THAT(scene.host.liveObjects(), IsEmpty());
 }
 
 TEST(NumberVariant, HandsOverOneReference) {

@@ -192,16 +192,6 @@ TEST(StructureValue, IsNilWhenTheHostDoesNotKnowTheWrapper) {
     EXPECT_EQ(scene.host.services().calls("PluginNewInstance"), std::size(geometryRows));
 }
 
-TEST(StructureValue, IsNilWithoutTheServiceForInstances) {
-    StructureScene scene;
-    scene.host.services().hide("PluginNewInstance");
-    for (const GeometryRow &row : geometryRows) {
-        SCOPED_TRACE(row.code);
-        EXPECT_EQ(scene.convertValue(row.code).handle(), nullptr);
-    }
-    EXPECT_EQ(scene.host.services().lookups("PluginNewInstance"), std::size(geometryRows));
-}
-
 TEST(StructureValue, IsNeitherRegisteredNorRetained) {
     StructureScene scene;
     const auto info = scene.host.callShared(processInfoClass, "processInfo").object();

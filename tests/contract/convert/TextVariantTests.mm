@@ -1,6 +1,5 @@
 // Strings, URLs that are no files, and data as host values.
 
-#import "OwnObject.h"
 #import "ValueScene.h"
 
 #include "host/classes/Inspect.h"
@@ -11,7 +10,6 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 namespace {
 
@@ -109,45 +107,6 @@ TEST(StringVariant, HasTheTextInUTF8) {
                                                        "\xF0\x9F\x98\x80");
 }
 
-TEST(StringVariant, IsNilWithoutTheService) {
-    ValueScene scene;
-    scene.host.services().hide("StringToVariant");
-    EXPECT_EQ(scene.convertObject(@"abc"), nullptr);
-    EXPECT_THAT(scene.host.trace(),
-                ElementsAre("find REALBuildString", buildAbc, "find REALSetStringEncoding",
-                            declareAbc, "miss StringToVariant", "find REALUnlockString",
-                            "REALUnlockString(String#1)"));
-    EXPECT_EQ(scene.host.account().liveStrings, 0u);
-}
-
-TEST(StringVariant, IsNilWhenTheServiceMakesNone) {
-    ValueScene scene;
-    scene.host.services().answerNull("StringToVariant");
-    EXPECT_EQ(scene.convertObject(@"abc"), nullptr);
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre(buildAbc, declareAbc, "StringToVariant(String#1) = nil",
-                            "REALUnlockString(String#1)"));
-    EXPECT_EQ(scene.host.account().liveStrings, 0u);
-}
-
-TEST(StringVariant, HoldsANullStringWhenTheHostBuildsNone) {
-    ValueScene scene;
-    scene.host.services().hide("REALBuildString");
-    expectNullStringVariant(scene.convert(@"abc"));
-    EXPECT_THAT(scene.host.trace(), ElementsAre("miss REALBuildString", "find StringToVariant",
-                                                "StringToVariant(nil) = Variant#1"));
-}
-
-TEST(StringVariant, IsGivenThoughTheStringCannotBeReleased) {
-    ValueScene scene;
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(textOf(scene.host, scene.convert(@"abc")), "abc");
-    EXPECT_EQ(scene.host.trace().back(), "miss REALUnlockString");
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("String#1 leaked, 1 reference never released")));
-}
-
 TEST(UrlVariant, IsTheAbsoluteString) {
     ValueScene scene;
     const host::ObjectRef converted = scene.convert(webPage());
@@ -208,23 +167,6 @@ TEST(UrlVariant, HandsOverOneReferenceAndLeavesTheStringToTheVariant) {
     EXPECT_EQ(scene.host.account().liveStrings, 0u);
 }
 
-TEST(UrlVariant, IsNilWithoutTheService) {
-    ValueScene scene;
-    scene.host.services().hide("StringToVariant");
-    EXPECT_EQ(scene.convertObject(webPage()), nullptr);
-    EXPECT_EQ(scene.host.trace().back(), "REALUnlockString(String#1)");
-    EXPECT_EQ(scene.host.account().liveStrings, 0u);
-}
-
-TEST(UrlVariant, IsGivenThoughTheStringCannotBeReleased) {
-    ValueScene scene;
-    scene.host.services().hide("REALUnlockString");
-    EXPECT_EQ(textOf(scene.host, scene.convert(webPage())), "http://example.com/a%20b?q=1#f");
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("String#1 leaked, 1 reference never released")));
-}
-
 TEST(DataValue, IsAMemoryBlockWithTheBytes) {
     ValueScene scene;
     const std::string bytes("a\0b\xFF", 4);
@@ -246,13 +188,4 @@ TEST(DataValue, IsNilWhenThereAreNoBytes) {
     ValueScene scene;
     EXPECT_EQ(scene.convertObject([NSData data]), nullptr);
     EXPECT_THAT(scene.host.trace(), IsEmpty());
-}
-
-TEST(DataValue, IsNilWithAnExceptionWithoutTheService) {
-    ValueScene scene;
-    scene.host.services().hide("newMemoryBlock");
-    EXPECT_EQ(scene.convertObject([NSData dataWithBytes:"ab" length:2]), nullptr);
-    const auto raised = scene.host.takePendingException();
-    ASSERT_TRUE(raised.has_value());
-    EXPECT_EQ(raised->className, "OutOfMemoryException");
 }

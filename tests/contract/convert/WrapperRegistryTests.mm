@@ -1,6 +1,5 @@
 // Who is entered in the family's registry, who is found there, and the references taken.
 
-#include "Caught.h"
 #include "CoreFoundationSpy.h"
 #include "DispatchScene.h"
 #import "ShapedObject.h"
@@ -12,7 +11,6 @@
 #include <gmock/gmock.h>
 
 #include <optional>
-#include <stdexcept>
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -197,31 +195,6 @@ TEST_F(WrapperRegistry, AnswersForAnObjectThatWasEnteredByASibling) {
     EXPECT_EQ(converted.handle(), stored.handle());
     EXPECT_THAT(host.trace(),
                 ElementsAre("find REALLockObject", "REALLockObject(NSProcessInfoZKT#1)"));
-}
-
-TEST_F(WrapperRegistry, AnswersWithoutAReferenceWhenTheHostCannotLock) {
-    const host::ObjectRef stored = newStored(host);
-    const id unlisted = [[[NSObject alloc] init] autorelease];
-    const RegistryEntry entry((const void *)unlisted, stored.handle());
-    host.services().hide("REALLockObject");
-    EXPECT_EQ(scene.convertRaw(unlisted), stored.handle());
-    EXPECT_EQ(host.references(stored), 1);
-}
-
-TEST_F(WrapperRegistry, StaysAsItIsWhenTheServiceForInstancesIsMissing) {
-    host.services().hide("PluginNewInstance");
-    const id object = error();
-    const NSUInteger references = [object retainCount];
-    EXPECT_EQ(scene.convertRaw(object), nullptr);
-    EXPECT_EQ(scene.convertRaw(object), nullptr);
-    EXPECT_THAT(host.lookups(), ElementsAre("miss PluginNewInstance", "miss PluginNewInstance"));
-    EXPECT_EQ([object retainCount], references);
-    EXPECT_EQ(host::siblings::registryCount(), 0u);
-}
-
-TEST_F(WrapperRegistry, LetsAStandardExceptionPassOutOfARegisteringRow) {
-    host.services().fail("PluginNewInstance", [] { throw std::runtime_error("no instance"); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.convertRaw(error()); }), "no instance");
 }
 
 TEST_F(WithoutRegistry, ARegisteringRowMakesANewInstanceEachTime) {

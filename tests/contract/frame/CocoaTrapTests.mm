@@ -284,36 +284,6 @@ TEST(CocoaTrap, IsReentrant) {
     EXPECT_EQ(host::siblings::makeCount(), 1u);
 }
 
-TEST(CocoaTrap, LogsAndRaisesNothingWithoutRuntimeRaiseException) {
-    ActingScene scene(raiseNR);
-    scene.host.services().hide("RuntimeRaiseException");
-    const std::string log = logOf([&] {
-        const host::Outcome outcome = scene.host.get(scene.info, "thermalState");
-        EXPECT_FALSE(outcome.raised());
-        EXPECT_EQ(outcome.value.integer(), -1);
-    });
-    EXPECT_EQ(messageIn(log), "A N: R, Info: (null)\n");
-    EXPECT_THAT(scene.host.trace(),
-                ElementsAre("miss RuntimeRaiseException", "find REALUnlockObject",
-                            "REALUnlockObject(NSExceptionZKT#2)"));
-    EXPECT_THAT(scene.host.liveObjects(), ElementsAre("NSProcessInfoZKT#1"));
-}
-
-TEST(CocoaTrap, RaisesAndKeepsItsReferenceWithoutREALUnlockObject) {
-    ActingScene scene(raiseNR);
-    scene.host.services().hide("REALUnlockObject");
-    {
-        const host::Outcome outcome = scene.host.get(scene.info, "thermalState");
-        ASSERT_TRUE(outcome.raised());
-        EXPECT_EQ(outcome.value.integer(), -1);
-        EXPECT_EQ(scene.host.references(outcome.exception->object.handle()), 2);
-    }
-    scene.info = {};
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(HasSubstr("NSExceptionZKT#2 leaked, 1 reference")));
-}
-
 TEST(CocoaTrap, LetsAnObjectThatIsNoExceptionThrough) {
     NSString *thing = @"thing";
     ActingScene scene([&] { @throw thing; });

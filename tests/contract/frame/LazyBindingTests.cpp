@@ -10,11 +10,9 @@
 #include <string>
 #include <vector>
 
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 using testing::SizeIs;
 
 namespace {
@@ -177,34 +175,3 @@ INSTANTIATE_TEST_SUITE_P(Of, LazyBinding, testing::ValuesIn(reachedServices),
                          [](const auto &tested) { return tested.param.name; });
 
 // What is missing makes only its own step quiet.
-
-TEST(MissingService, OfNewInstancesMakesProcessInfoNil) {
-    Stage stage(host::Siblings::exceptions);
-    stage.host.services().hide("PluginNewInstance");
-    const host::Outcome outcome = stage.host.callShared(processInfoClass, "processInfo");
-    EXPECT_FALSE(outcome.raised());
-    EXPECT_TRUE(outcome.value.isNil());
-}
-
-TEST(MissingService, OfStringBuildingMakesATextNil) {
-    Stage stage(host::Siblings::all);
-    stage.host.services().hide("REALBuildString");
-    const host::Outcome outcome = stage.host.get(stage.info, "hostName");
-    EXPECT_FALSE(outcome.raised());
-    EXPECT_TRUE(outcome.value.isNil());
-}
-
-TEST(MissingService, OfUnlockingLeavesTheResultOfAnOperation) {
-    Stage stage(host::Siblings::all);
-    stage.host.services().hide("REALUnlockObject");
-    stage.host.services().hide("REALUnlockString");
-    EXPECT_EQ(stage.host.get(stage.info, "hostName").text(), "seven");
-    EXPECT_EQ(stage.host.get(stage.info, "processIdentifier").integer(), 7);
-    constructAgain(stage);
-    EXPECT_THAT(stage.host.calls(),
-                Contains("RuntimeRaiseException(UnsupportedOperationException#2)"));
-    EXPECT_THAT(stage.host.calls(), Each(Not(HasSubstr("Unlock"))));
-    stage.info = {};
-    stage.host.shutDown();
-    EXPECT_THAT(stage.host.violations(), SizeIs(2)) << "the exception and its message";
-}

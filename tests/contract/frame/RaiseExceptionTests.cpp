@@ -5,10 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <string>
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -145,93 +143,3 @@ TEST_F(RaiseException, DoesNotConsultEncodingAndErrorNumber) {
 }
 
 // Each missing service is skipped, and the steps go on.
-
-TEST_F(RaiseException, HasNoMessageWithoutREALBuildString) {
-    host_.services().hide("REALBuildString");
-    raise("RuntimeException", "message");
-    EXPECT_THAT(host_.calls(),
-                ElementsAre("PluginNewInstance(\"RuntimeException\") = RuntimeException#1",
-                            "REALSetPropValueString(RuntimeException#1, \"Message\", nil) = true",
-                            "REALSetPropValueInteger(RuntimeException#1, \"ErrorNumber\", 0) = "
-                            "true",
-                            "RuntimeRaiseException(RuntimeException#1)",
-                            "REALUnlockObject(RuntimeException#1)"));
-}
-
-TEST_F(RaiseException, SetsAMessageOfNoEncodingWithoutREALSetStringEncoding) {
-    host_.services().hide("REALSetStringEncoding");
-    raise("RuntimeException", "message");
-    const auto raised = host_.takePendingException();
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->message, "message");
-}
-
-TEST_F(RaiseException, OnlyReleasesTheMessageWithoutPluginNewInstance) {
-    host_.services().hide("PluginNewInstance");
-    raise("OutOfMemoryException", "message");
-    EXPECT_THAT(host_.calls(), ElementsAre("REALBuildString(\"message\", 7) = String#1",
-                                           "REALSetStringEncoding(String#1, 0x00000600)",
-                                           "REALUnlockString(String#1)"));
-    EXPECT_EQ(host_.services().lookups("PluginNewInstance"), 2u) << "once for each class";
-    EXPECT_FALSE(host_.hasPendingException());
-}
-
-TEST_F(RaiseException, RaisesWithoutMessageWithoutREALSetPropValueString) {
-    host_.services().hide("REALSetPropValueString");
-    raise("RuntimeException", "message");
-    EXPECT_THAT(host_.calls(),
-                ElementsAre("REALBuildString(\"message\", 7) = String#1",
-                            "REALSetStringEncoding(String#1, 0x00000600)",
-                            "PluginNewInstance(\"RuntimeException\") = RuntimeException#1",
-                            "REALSetPropValueInteger(RuntimeException#1, \"ErrorNumber\", 0) = "
-                            "true",
-                            "RuntimeRaiseException(RuntimeException#1)",
-                            "REALUnlockObject(RuntimeException#1)", "REALUnlockString(String#1)"));
-}
-
-TEST_F(RaiseException, RaisesWithoutNumberWithoutREALSetPropValueInteger) {
-    host_.services().hide("REALSetPropValueInteger");
-    raise("RuntimeException", "message");
-    EXPECT_THAT(host_.calls(),
-                ElementsAre("REALBuildString(\"message\", 7) = String#1",
-                            "REALSetStringEncoding(String#1, 0x00000600)",
-                            "PluginNewInstance(\"RuntimeException\") = RuntimeException#1",
-                            "REALSetPropValueString(RuntimeException#1, \"Message\", String#1) "
-                            "= true",
-                            "RuntimeRaiseException(RuntimeException#1)",
-                            "REALUnlockObject(RuntimeException#1)", "REALUnlockString(String#1)"));
-}
-
-TEST_F(RaiseException, ReleasesEverythingWithoutRuntimeRaiseException) {
-    host_.services().hide("RuntimeRaiseException");
-    raise("RuntimeException", "message");
-    EXPECT_FALSE(host_.hasPendingException());
-    EXPECT_THAT(host_.liveObjects(), IsEmpty());
-    EXPECT_THAT(host_.liveStrings(), IsEmpty());
-}
-
-TEST_F(RaiseException, KeepsItsReferenceWithoutREALUnlockObject) {
-    host_.services().hide("REALUnlockObject");
-    raise("RuntimeException", "message");
-    EXPECT_EQ(host_.takePendingException()->className, "RuntimeException");
-    host_.shutDown();
-    EXPECT_THAT(host_.violations(), ElementsAre(HasSubstr("RuntimeException#1 leaked")));
-}
-
-TEST_F(RaiseException, KeepsItsMessageWithoutREALUnlockString) {
-    host_.services().hide("REALUnlockString");
-    raise("RuntimeException", "message");
-    EXPECT_EQ(host_.takePendingException()->message, "message");
-    host_.shutDown();
-    EXPECT_THAT(host_.violations(), ElementsAre(HasSubstr("String#1 leaked")));
-}
-
-TEST_F(RaiseException, GoesOnWhenSettingAPropertyFails) {
-    host_.services().answerNull("REALSetPropValueString");
-    host_.services().answerNull("REALSetPropValueInteger");
-    raise("RuntimeException", "message");
-    const auto raised = host_.takePendingException();
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->message, std::nullopt);
-    EXPECT_THAT(host_.liveStrings(), IsEmpty());
-}

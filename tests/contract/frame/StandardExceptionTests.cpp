@@ -208,22 +208,6 @@ TEST(StandardExceptions, AreRaisedInTheOrderOfRaiseException) {
                             "REALUnlockObject(RuntimeException#1)", "REALUnlockString(String#1)"));
 }
 
-TEST(StandardExceptions, AreMappedForTheOperationThatNeededTheText) {
-    GuardedText text;
-    // Only the first call fails: the message is built by the same service.
-    bool failed = false;
-    text.host.services().fail("REALBuildString", [&] {
-        if (!std::exchange(failed, true))
-            throw std::out_of_range("no such place");
-    });
-    const host::ObjectRef info = text.host.newObject("NSProcessInfoZKT").object();
-    const host::Outcome outcome = text.host.get(info, "operatingSystemName");
-    ASSERT_TRUE(outcome.raised());
-    EXPECT_EQ(outcome.exception->className, "OutOfBoundsException");
-    EXPECT_EQ(outcome.exception->message, "no such place");
-    EXPECT_TRUE(outcome.value.isNil());
-}
-
 TEST(StandardExceptions, FallBackToRuntimeExceptionWhenTheHostLacksTheirClass) {
     GuardedText text;
     text.host.hideClass("OutOfMemoryException");

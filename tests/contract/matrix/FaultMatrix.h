@@ -42,7 +42,8 @@ struct Aftermath {
     std::string value = {};    ///< of the result; "" where there is none
     Lines raised = {};         ///< host exceptions in order: "Class: message"
     Lines logged = {};         ///< the trap's log lines: "Name: reason"
-    Lines held = {};           ///< classes of the references that the plug-in has not given back
+    Lines held = {};           ///< classes of the references that the plug-in has not given back;
+                               ///< of activities their fields too
     Lines effects = {};        ///< messages to the test's own objects
     std::string state = {};    ///< of the instance
     std::string left = {};     ///< the exception that left the operation

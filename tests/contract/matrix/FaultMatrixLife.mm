@@ -64,11 +64,17 @@ void addConstruction(Operations &all) {
                    .rows = trapReport(unbound),
                    .handling = trapping("nil")});
 
+    const Aftermath still = nothing.in("bound to another, unregistered");
     all.push_back(
         {.name = "Constructor a second time",
-         .arrange = [](Scene &scene) { return calling(scene, "Constructor"); },
-         .present = nothing.raising("UnsupportedOperationException: " + std::string(tooOften)),
-         .rows = raisingInHost("UnsupportedOperationException", tooOften, nothing),
+         .arrange =
+             [](Scene &scene) {
+                 Act act = calling(scene, "Constructor");
+                 act.state = [&scene] { return bindingOf(scene, scene.info); };
+                 return act;
+             },
+         .present = still.raising("UnsupportedOperationException: " + std::string(tooOften)),
+         .rows = raisingInHost("UnsupportedOperationException", tooOften, still),
          .handling = trapping("nil")});
 
     const auto making = [](Scene &scene) {
@@ -129,20 +135,26 @@ void addDestruction(Operations &all) {
                    .handling = trapping("nil")});
 }
 
+const char *registrationOf(const Scene &scene) {
+    return host::siblings::registered(scene.shared) == nullptr ? "unregistered" : "registered";
+}
+
 // The method as it stands in the class's record: what it gives comes with a reference, or should.
 Act sharedInstance(Scene &scene) {
     scene.substituteShared();
     auto *function = reinterpret_cast<host::ObjectHandle (*)()>(
         scene.host.sharedMethodOf(processInfoClass, "processInfo"));
-    return {[&scene, function] { return scene.taken(function(), scene.shared); }};
+    return {[&scene, function] { return scene.taken(function(), scene.shared); },
+            [&scene] { return registrationOf(scene); }};
 }
 
 void addSharedMethods(Operations &all) {
-    const Aftermath unmade = nothing.doing({"[NSProcessInfo processInfo]"});
+    const Aftermath unmade = nothing.doing({"[NSProcessInfo processInfo]"}).in("unregistered");
     all.push_back({.name = "processInfo",
                    .arrange = sharedInstance,
                    .present = gives("NSProcessInfoZKT(the object)")
-                                  .doing({"[NSProcessInfo processInfo]", "[shared retain]"}),
+                                  .doing({"[NSProcessInfo processInfo]", "[shared retain]"})
+                                  .in("registered"),
                    .rows = {{"PluginNewInstance", unmade, trapped(unmade, unmade)}},
                    .handling = trapping("nil")});
     all.push_back({.name = "processInfo, first of all",
@@ -151,8 +163,10 @@ void addSharedMethods(Operations &all) {
                    .rows = all.back().rows,
                    .withInstance = false,
                    .handling = {.fallback = always("nil"), .untrapped = 4}});
-    const Aftermath known =
-        gives("NSProcessInfoZKT(the object)").doing({"[NSProcessInfo processInfo]"});
+    const Aftermath known = gives("NSProcessInfoZKT(the object)")
+                                .doing({"[NSProcessInfo processInfo]"})
+                                .in("registered");
+    const Aftermath unlocked = unmade.in("registered");
     all.push_back({.name = "processInfo again",
                    .arrange =
                        [](Scene &scene) {
@@ -162,7 +176,7 @@ void addSharedMethods(Operations &all) {
                        },
                    .present = known,
                    .rows = {{"REALLockObject", known.giving(known.value + " without a reference"),
-                             trapped(unmade, unmade)}},
+                             trapped(unlocked, unlocked)}},
                    .handling = trapping("nil")});
     all.push_back(
         {.name = "NSProcessInfoThermalStateDidChangeNotification",

@@ -108,7 +108,8 @@ const Lines begin = {"[NSProcessInfo processInfo]",
 Lines beginUpTo(std::ptrdiff_t count) {
     return {begin.begin(), begin.begin() + count};
 }
-const Lines abandoned = {"NSProcessInfoActivityZKT"};
+const Lines abandoned = {"activity(no token, nil, 0, ended)"};
+const Lines abandonedFilled = {R"(activity(token, "why", 255, active))"};
 
 Act beginning(Scene &scene, const char *reason) {
     scene.substituteShared();
@@ -130,7 +131,7 @@ Lines onceMade(const Lines &sent, bool) {
 void addBeginning(Operations &all) {
     const Aftermath begun = gives("activity(token, \"why\", 255, active)").doing(begin);
     const Aftermath unmade = nothing.doing(beginUpTo(2));
-    const Aftermath unlocked = nothing.doing(begin).holding(abandoned);
+    const Aftermath unlocked = nothing.doing(begin).holding(abandonedFilled);
     all.push_back({.name = "beginActivity",
                    .arrange = [](Scene &scene) { return beginning(scene, "why"); },
                    .present = begun.holding({"String"}), // the activity's reason

@@ -201,24 +201,51 @@ void addSetters(Operations &all) {
                    .handling = trapping("nil")});
 }
 
-// A name without a declared encoding is read by its bytes, whatever else the host could give. A
-// host that does not lock is not unlocked less: it is the caller's reference that goes then.
-void addUndeclaredName(Operations &all) {
+// A name without a declared encoding is read by its bytes, whatever else the host could give; any
+// other when the host gives no CFString. A host that does not lock is not unlocked less: it is the
+// caller's reference that goes then.
+void addNamesByTheirBytes(Operations &all) {
     const Aftermath nothing = gives("nil");
     const Rule leaves = trapped(nothing, nothing);
     const Aftermath kept = nothing.holding({"String"});
     const Aftermath overReleased = named("\"new\"").complaining(
         "REALUnlockString: releases String#1, of which the plug-in holds no reference");
+    const Rows reading = {
+        {"REALLockString", overReleased, leaves},
+        {"StringGetCString", named("nil"), leaves},
+        {"REALLoadGlobalMethod", named("\"\""), leaves},
+        {"REALUnlockString", named("\"new\"").holding({"String"}), trapped(kept, kept)}};
     all.push_back(
         {.name = "set processName, undeclared",
          .arrange = [](Scene &scene) { return settingName(scene, "new", host::encoding::unknown); },
          .present = named("\"new\""),
-         .rows = {{"REALGetStringEncoding", named("\"new\""), leaves},
-                  {"REALLockString", overReleased, leaves},
-                  {"StringGetCString", named("nil"), leaves},
-                  {"REALLoadGlobalMethod", named("\"\""), leaves},
-                  {"REALUnlockString", named("\"new\"").holding({"String"}), trapped(kept, kept)}},
+         .rows = inOrder(Rows{{"REALGetStringEncoding", named("\"new\""), leaves}}, reading),
          .handling = trapping("nil")});
+
+    // Of no encoding that the host tells, the bytes are Mac Roman.
+    struct Name {
+        const char *operation;
+        std::string bytes;
+        std::uint32_t encoding;
+        const char *inMacRoman;
+    };
+    const Name names[] = {
+        {"set processName, without a CFString", "new", host::encoding::utf8, "\"new\""},
+        {"set processName in UTF-16, without a CFString", std::string("n\0e\0w\0", 6),
+         host::encoding::utf16, "\"n\\x00e\\x00w\\x00\""}};
+    for (const Name &name : names)
+        all.push_back(
+            {.name = name.operation,
+             .arrange =
+                 [name](Scene &scene) {
+                     scene.host.services().answerNull("REALGetStringCFString");
+                     return settingName(scene, name.bytes, name.encoding);
+                 },
+             .present = named("\"new\""),
+             .rows = inOrder(Rows{{"REALGetStringEncoding", named(name.inMacRoman), leaves},
+                                  {"REALGetStringCFString", named("\"new\""), leaves}},
+                             reading),
+             .handling = trapping("nil")});
 }
 
 } // namespace
@@ -230,7 +257,7 @@ const Operations &propertyOperations() {
         addStrings(operations);
         addEnvironment(operations);
         addSetters(operations);
-        addUndeclaredName(operations);
+        addNamesByTheirBytes(operations);
         return operations;
     }();
     return all;

@@ -8,6 +8,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <map>
 #include <memory>
 
 namespace matrix {
@@ -55,6 +56,8 @@ struct Scene : LoadedPlugin {
     Aftermath runAgain(const Act &act, const Services &services, Fault fault, bool once = false);
 
 private:
+    /// What there is of activities, by their names in the trace.
+    [[nodiscard]] std::map<std::string, std::string> liveActivities() const;
     std::string runWith(const Services &services, Fault fault, bool once,
                         const std::function<void()> &body);
     std::unique_ptr<SharedObjectSubstitute> substitute_;

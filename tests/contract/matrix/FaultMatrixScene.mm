@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <map>
 #include <regex>
 #include <unistd.h>
 #include <utility>
@@ -166,6 +167,16 @@ std::string Scene::describeOther(host::ObjectHandle handle, id wrapped) const {
                                                    : "(another object)");
 }
 
+std::map<std::string, std::string> Scene::liveActivities() const {
+    std::map<std::string, std::string> activities;
+    for (const host::Object *each : host::Core::current().heap.liveObjects())
+        if (each->type->name == activityClass) {
+            const host::ObjectHandle handle = const_cast<host::Object *>(each)->handle();
+            activities[host.name(handle)] = describe(handle);
+        }
+    return activities;
+}
+
 std::string Scene::runWith(const Services &services, Fault fault, bool once,
                            const std::function<void()> &body) {
     bool thrown = false;
@@ -212,12 +223,15 @@ Aftermath Scene::run(const Act &act, const Services &services, Fault fault, bool
             after.effects.push_back(line);
     after.logged = logged();
 
+    const std::map<std::string, std::string> activities = liveActivities();
     host.shutDown();
-    static const std::regex leak(R"(([A-Za-z]+)#\d+ leaked, (\d+) references? never .*)");
+    static const std::regex leak(R"((([A-Za-z]+)#\d+) leaked, (\d+) references? never .*)");
     for (const std::string &violation : host.violations())
-        if (std::smatch parts; std::regex_match(violation, parts, leak))
-            after.held.insert(after.held.end(), std::stoul(parts[2]), parts[1]);
-        else
+        if (std::smatch parts; std::regex_match(violation, parts, leak)) {
+            const auto activity = activities.find(parts[1]);
+            after.held.insert(after.held.end(), std::stoul(parts[3]),
+                              activity == activities.end() ? parts[2].str() : activity->second);
+        } else
             after.hostComplaints.push_back(violation.substr(0, violation.find(" (made")));
     return after;
 }

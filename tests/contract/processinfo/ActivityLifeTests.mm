@@ -3,23 +3,14 @@
 #import "ActivityScene.h"
 
 #include "Caught.h"
-#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 
 #include <stdexcept>
 
 using testing::ElementsAre;
-using testing::StartsWith;
 
 namespace {
-
-void expectRefusal(const host::Outcome &outcome, const char *what) {
-    ASSERT_TRUE(outcome.raised());
-    EXPECT_EQ(outcome.exception->className, "NSExceptionZKT");
-    EXPECT_EQ(outcome.exception->cocoaReason, what);
-    EXPECT_EQ(host::siblings::makeCount(), 1u);
-}
 
 std::function<void()> refusal(const char *what) {
     return [what] { refusing(what)(what); };
@@ -174,19 +165,6 @@ TEST(EndActivity, WithoutASharedObjectLeavesTheActivityActive) {
     scene.substitute.answer({scene.shared});
 }
 
-TEST(EndActivity, RefusedLeavesTheActivityActive) {
-    ActivityScene scene;
-    const auto activity = scene.begun();
-    const ActivityFields before = scene.fields(activity);
-    scene.shared->onMessage = refusing("endActivity:");
-    expectRefusal(scene.end(activity), "endActivity:");
-    EXPECT_EQ(scene.fields(activity), before);
-    scene.shared->onMessage = nullptr;
-    scene.host.clearTrace();
-    scene.end(activity).result();
-    EXPECT_THAT(scene.host.calls(), testing::Contains("[shared endActivity:token]"));
-}
-
 TEST(EndActivity, RefusedByTheClassLeavesTheActivityActive) {
     ActivityScene scene;
     const auto activity = scene.begun();
@@ -204,17 +182,9 @@ TEST(EndActivity, RefusedByTheTokenLeavesTheActivityActive) {
     const auto activity = scene.begun();
     const ActivityFields before = scene.fields(activity);
     scene.token->onMessage = refusing("release");
-    expectRefusal(scene.end(activity), "release");
+    expectRaised(scene.end(activity), "Refused", "release");
     scene.token->onMessage = nullptr;
     EXPECT_EQ(scene.fields(activity), before);
-}
-
-TEST(EndActivity, LeftByAnotherExceptionThanCocoasLetsItPass) {
-    ActivityScene scene;
-    const auto activity = scene.begun();
-    scene.substitute.interrupt(2, [] { throw std::runtime_error("not Cocoa's"); });
-    EXPECT_EQ(standardExceptionFrom([&] { scene.end(activity); }), "not Cocoa's");
-    EXPECT_EQ(scene.fields(activity).active, 1);
 }
 
 TEST(DyingActivity, IsEnded) {
@@ -288,22 +258,6 @@ TEST(DyingActivity, ClearsItsFields) {
     EXPECT_EQ(scene.fields(activity), ActivityFields{.options = 77});
 }
 
-TEST(DyingActivity, ThatCannotBeEndedClearsItsFieldsAndUnlocksAllTheSame) {
-    ActivityScene scene;
-    const auto activity = scene.begun(77);
-    scene.shared->onMessage = refusing("endActivity:");
-    scene.destruct(activity);
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre("[NSProcessInfo processInfo]", "[shared endActivity:token]",
-                            "RuntimeRaiseException(NSExceptionZKT#3)",
-                            "REALUnlockObject(NSExceptionZKT#3)", "REALUnlockString(String#1)"));
-    EXPECT_EQ(scene.fields(activity), ActivityFields{.options = 77});
-    const auto raised = scene.host.takePendingException();
-    ASSERT_TRUE(raised);
-    EXPECT_EQ(raised->cocoaReason, "endActivity:");
-    [scene.token release];
-}
-
 TEST(DyingActivity, RefusedByTheClassClearsItsFieldsAllTheSame) {
     ActivityScene scene;
     const auto activity = scene.begun(77);
@@ -318,19 +272,8 @@ TEST(DyingActivity, ShowsItsExceptionToTheProgram) {
     ActivityScene scene;
     auto activity = scene.begun();
     scene.shared->onMessage = refusing("endActivity:");
-    expectRefusal(scene.host.release(std::move(activity)), "endActivity:");
+    expectRaised(scene.host.release(std::move(activity)), "Refused", "endActivity:");
     [scene.token release];
-}
-
-TEST(DyingActivity, WithoutREALUnlockStringKeepsTheReasonAlive) {
-    ActivityScene scene;
-    scene.host.services().hide("REALUnlockString");
-    const auto activity = scene.begun();
-    scene.destruct(activity);
-    EXPECT_EQ(scene.fields(activity).reason, nullptr);
-    scene.host.shutDown();
-    EXPECT_THAT(scene.host.violations(),
-                ElementsAre(StartsWith("String#1 leaked, 1 reference never released")));
 }
 
 TEST(DyingActivity, LeftByAnotherExceptionThanCocoasLetsItPass) {

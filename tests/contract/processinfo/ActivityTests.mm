@@ -203,43 +203,6 @@ TEST(BeginActivity, WithoutASharedObjectGivesNil) {
     EXPECT_THAT(scene.host.trace(), ElementsAre("[NSProcessInfo processInfo]"));
 }
 
-TEST(BeginActivity, WithoutPluginNewInstanceGivesNil) {
-    ActivityScene scene;
-    scene.host.services().hide("PluginNewInstance");
-    EXPECT_TRUE(scene.begin().isNil());
-    EXPECT_TRUE(scene.begin().isNil());
-    EXPECT_THAT(scene.host.trace(),
-                ElementsAre("[NSProcessInfo processInfo]",
-                            "[shared respondsToSelector:beginActivityWithOptions:reason:]",
-                            "miss PluginNewInstance", "[NSProcessInfo processInfo]",
-                            "[shared respondsToSelector:beginActivityWithOptions:reason:]",
-                            "miss PluginNewInstance"));
-}
-
-TEST(BeginActivity, WithoutAnInstanceGivesNil) {
-    ActivityScene scene;
-    scene.host.services().answerNull("PluginNewInstance");
-    EXPECT_TRUE(scene.begin().isNil());
-    EXPECT_THAT(scene.host.calls(),
-                ElementsAre("[NSProcessInfo processInfo]",
-                            "[shared respondsToSelector:beginActivityWithOptions:reason:]",
-                            "PluginNewInstance(\"NSProcessInfoActivityZKT\") = nil"));
-}
-
-TEST(BeginActivity, WithoutREALLockStringStoresTheReasonWithoutAReference) {
-    ActivityScene scene;
-    scene.host.services().hide("REALLockString");
-    const host::Value reason = "why";
-    const auto before = scene.host.references(reason.string().handle());
-    const auto activity = scene.begin(255, reason).object();
-    EXPECT_EQ(scene.fields(activity).reason, reason.string().handle());
-    EXPECT_EQ(scene.host.references(reason.string().handle()), before);
-    EXPECT_EQ(scene.fields(activity).active, 1);
-    // Taken out again: the destructor would give back a reference that was never taken.
-    std::memset(static_cast<char *>(scene.host.dataOf(activity)) + 8, 0,
-                sizeof(host::StringHandle));
-}
-
 TEST(BeginActivity, BeginsARealActivity) {
     LoadedPlugin loaded;
     const auto info = loaded.host.newInstance(processInfoClass);

@@ -1,6 +1,5 @@
 // The environment of the process as a Dictionary of the host's.
 
-#include "Caught.h"
 #include "CocoaText.h"
 #import "DictionaryScene.h"
 #import "OwnObject.h"
@@ -8,13 +7,11 @@
 #include "Properties.h"
 
 #include "host/core/Cocoa.h"
-#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <map>
-#include <stdexcept>
 #include <unistd.h>
 
 using testing::ElementsAre;
@@ -139,14 +136,6 @@ TEST_F(Environment, IsNilWithTheHostsExceptionWhenAnEntryRaises) {
     EXPECT_EQ(outcome.exception->cocoaName, "Refused");
     EXPECT_EQ(outcome.exception->cocoaReason, "objCType");
     EXPECT_EQ(loaded.host.account().liveObjects, 2u) << "the instance and the exception";
-}
-
-TEST_F(Environment, LetsOtherExceptionsPass) {
-    answer() = [NSDictionary dictionaryWithObject:@"v" forKey:@"k"];
-    services().fail("REALLoadObjectMethod", [] { throw std::runtime_error("not Cocoa's"); });
-    EXPECT_EQ(standardExceptionFrom([&] { read(); }), "not Cocoa's");
-    EXPECT_FALSE(loaded.host.hasPendingException());
-    EXPECT_EQ(loaded.host.account().liveObjects, 1u) << "the instance";
 }
 
 TEST(EnvironmentOfThisProcess, IsTheOneThatItWasStartedWith) {

@@ -2,13 +2,9 @@
 
 #import "TracedObject.h"
 
-#include "Caught.h"
 #include "LoadedPlugin.h"
-#include "host/family/Siblings.h"
 
 #include <gmock/gmock.h>
-
-#include <stdexcept>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -27,14 +23,6 @@ struct SetterScene : LoadedPlugin {
         return host.set(info, "automaticTerminationSupportEnabled", enabled);
     }
 };
-
-void expectRefusal(const host::Outcome &outcome, const char *what) {
-    ASSERT_TRUE(outcome.raised());
-    EXPECT_EQ(outcome.exception->className, "NSExceptionZKT");
-    EXPECT_EQ(outcome.exception->cocoaName, "Refused");
-    EXPECT_EQ(outcome.exception->cocoaReason, what);
-    EXPECT_EQ(host::siblings::makeCount(), 1u);
-}
 
 } // namespace
 
@@ -80,19 +68,6 @@ TEST(SettingProcessName, OfAnUnboundInstanceDoesNothing) {
                                                  "REALGetStringCFString(String#1, 0) = pointer"));
 }
 
-TEST(SettingProcessName, RefusedRaisesTheExceptionInTheHost) {
-    SetterScene scene;
-    scene.own->onMessage = refusing("setProcessName:");
-    expectRefusal(scene.setProcessName("a name"), "setProcessName:");
-}
-
-TEST(SettingProcessName, RefusedWhileTheNameIsReadSendsNothing) {
-    SetterScene scene;
-    scene.host.services().fail("REALGetStringEncoding", [] { refusing("here")("here"); });
-    expectRefusal(scene.setProcessName("a name"), "here");
-    EXPECT_THAT(scene.host.calls(), testing::Each(testing::Not(HasSubstr("[own"))));
-}
-
 TEST(SettingProcessName, IsNotProbedFor) {
     LoadedPlugin loaded;
     const OwnObject<NSObject> dumb;
@@ -101,15 +76,6 @@ TEST(SettingProcessName, IsNotProbedFor) {
     ASSERT_TRUE(outcome.raised());
     EXPECT_EQ(outcome.exception->cocoaName, "NSInvalidArgumentException");
     EXPECT_THAT(outcome.exception->cocoaReason, HasSubstr("setProcessName:"));
-}
-
-TEST(SettingProcessName, LeftByAnotherExceptionThanCocoasLetsItPass) {
-    SetterScene scene;
-    scene.own->onMessage = [](std::string_view selector) {
-        if (selector == "setProcessName:")
-            throw std::runtime_error("not Cocoa's");
-    };
-    EXPECT_EQ(standardExceptionFrom([&] { scene.setProcessName("a name"); }), "not Cocoa's");
 }
 
 TEST(SettingProcessName, NamesTheProcess) {
@@ -164,12 +130,6 @@ TEST(SettingAutomaticTermination, OfAnUnboundInstanceDoesNothing) {
     const auto info = loaded.host.newInstance(processInfoClass);
     loaded.host.set(info, "automaticTerminationSupportEnabled", true).result();
     EXPECT_THAT(loaded.host.trace(), IsEmpty());
-}
-
-TEST(SettingAutomaticTermination, RefusedRaisesTheExceptionInTheHost) {
-    SetterScene scene;
-    scene.own->onMessage = refusing("setAutomaticTerminationSupportEnabled:");
-    expectRefusal(scene.setAutomaticTermination(true), "setAutomaticTerminationSupportEnabled:");
 }
 
 TEST(SettingAutomaticTermination, IsNotProbedFor) {

@@ -7,9 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-#include <new>
-
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -26,14 +23,6 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(, StringProperty, testing::ValuesIn(stringProperties),
                          [](const auto &parameter) { return parameter.param; });
-
-// Throws once, so that the exception's own message can be built.
-std::function<void()> failingOnce() {
-    return [failed = std::make_shared<bool>(false)] {
-        if (!std::exchange(*failed, true))
-            throw std::bad_alloc();
-    };
-}
 
 } // namespace
 
@@ -81,36 +70,4 @@ TEST_P(StringProperty, IsANewStringOnEachReading) {
     const auto second = read().string();
     EXPECT_NE(second.handle(), first.handle());
     EXPECT_EQ(loaded.host.text(second), "name");
-}
-
-TEST_P(StringProperty, IsNilWhileTheHostCannotBuildStrings) {
-    object->answers.string = @"name";
-    loaded.host.services().hide("REALBuildString");
-    EXPECT_TRUE(read().isNil());
-    EXPECT_TRUE(read().isNil());
-    EXPECT_THAT(loaded.host.trace(), ElementsAre("miss REALBuildString", "miss REALBuildString"));
-}
-
-TEST_P(StringProperty, IsNilWhenTheHostBuildsNone) {
-    object->answers.string = @"name";
-    loaded.host.services().answerNull("REALBuildString");
-    EXPECT_TRUE(read().isNil());
-    EXPECT_THAT(loaded.host.calls(), ElementsAre(R"(REALBuildString("name", 4) = nil)"));
-}
-
-TEST_P(StringProperty, HasItsBytesWhenTheHostCannotDeclareEncodings) {
-    object->answers.string = @"name";
-    loaded.host.services().hide("REALSetStringEncoding");
-    EXPECT_EQ(loaded.host.bytes(read().string()), "name");
-    EXPECT_THAT(loaded.host.calls(), ElementsAre(R"(REALBuildString("name", 4) = String#1)"));
-}
-
-TEST_P(StringProperty, IsNilWithTheHostsExceptionWhenBuildingFails) {
-    object->answers.string = @"name";
-    loaded.host.services().fail("REALBuildString", failingOnce());
-    const auto outcome = read();
-    EXPECT_TRUE(outcome.value.isNil());
-    ASSERT_TRUE(outcome.raised());
-    EXPECT_EQ(outcome.exception->className, "OutOfMemoryException");
-    EXPECT_EQ(outcome.exception->message, "Failed to allocate memory.");
 }

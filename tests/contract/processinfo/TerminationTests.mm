@@ -2,14 +2,10 @@
 
 #import "TracedObject.h"
 
-#include "Caught.h"
 #include "LoadedPlugin.h"
-#include "host/family/Siblings.h"
 #include "macos/standin/StandIn.h"
 
 #include <gmock/gmock.h>
-
-#include <stdexcept>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -81,18 +77,6 @@ TEST_P(Termination, OfAnUnboundInstanceDoesNothing) {
         EXPECT_THAT(loaded.host.trace(), IsEmpty());
 }
 
-TEST_P(Termination, RefusedRaisesTheExceptionInTheHost) {
-    TerminationScene scene;
-    scene.own->onMessage = refusing(GetParam().selector());
-    const host::Outcome outcome =
-        scene.host.call(scene.info, GetParam().method, GetParam().arguments());
-    ASSERT_TRUE(outcome.raised());
-    EXPECT_EQ(outcome.exception->className, "NSExceptionZKT");
-    EXPECT_EQ(outcome.exception->cocoaName, "Refused");
-    EXPECT_EQ(outcome.exception->cocoaReason, GetParam().selector());
-    EXPECT_EQ(host::siblings::makeCount(), 1u);
-}
-
 TEST_P(Termination, IsNotProbedFor) {
     LoadedPlugin loaded;
     const OwnObject<NSObject> dumb;
@@ -101,17 +85,6 @@ TEST_P(Termination, IsNotProbedFor) {
     ASSERT_TRUE(outcome.raised());
     EXPECT_EQ(outcome.exception->cocoaName, "NSInvalidArgumentException");
     EXPECT_THAT(outcome.exception->cocoaReason, HasSubstr(GetParam().selector()));
-}
-
-TEST_P(Termination, LeftByAnotherExceptionThanCocoasLetsItPass) {
-    TerminationScene scene;
-    scene.own->onMessage = [](std::string_view selector) {
-        if (selector == GetParam().selector())
-            throw std::runtime_error("not Cocoa's");
-    };
-    EXPECT_EQ(standardExceptionFrom(
-                  [&] { scene.host.call(scene.info, GetParam().method, GetParam().arguments()); }),
-              "not Cocoa's");
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Termination, testing::ValuesIn(operations),
@@ -131,13 +104,6 @@ TEST_P(AutomaticTermination, BorrowsTheReason) {
     const auto before = scene.host.references(reason.string().handle());
     scene.host.call(scene.info, GetParam().method, {reason}).result();
     EXPECT_EQ(scene.host.references(reason.string().handle()), before);
-}
-
-TEST_P(AutomaticTermination, RefusedWhileTheReasonIsReadSendsNothing) {
-    TerminationScene scene;
-    scene.host.services().fail("REALGetStringEncoding", [] { refusing("here")("here"); });
-    EXPECT_TRUE(scene.host.call(scene.info, GetParam().method, {"why"}).raised());
-    EXPECT_THAT(scene.host.calls(), testing::Each(testing::Not(HasSubstr("[own"))));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, AutomaticTermination, testing::Values(operations[2], operations[3]),

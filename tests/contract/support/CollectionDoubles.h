@@ -11,8 +11,7 @@
 /// Enumerators of it trace themselves as the array too.
 @interface TracedArray : NSArray {
 @public
-    std::vector<id> elements;                // not retained; nil among them ends an enumeration
-    std::function<void(std::size_t)> onNext; // gets the position that is asked for; may throw
+    std::vector<id> elements; // not retained; nil among them ends an enumeration
     bool hasNoEnumerator;
 }
 @end

@@ -13,10 +13,7 @@
 
 - (id)nextObject {
     noteInTrace("[array nextObject]");
-    const std::size_t position = next++;
-    if (array->onNext)
-        array->onNext(position);
-    return position < array->elements.size() ? array->elements[position] : nil;
+    return next < array->elements.size() ? array->elements[next++] : nil;
 }
 
 @end

@@ -34,7 +34,6 @@ struct Watch {
     std::unique_ptr<CoreFoundationSpy> lengths;
     std::map<const void *, Object> objects; // that the image owns
     std::map<std::string, int, std::less<>> callsToRefusal;
-    std::map<std::string, std::function<void()>, std::less<>> actions;
     std::optional<std::uint32_t> node;
     bool everythingIsValid = false;
 };
@@ -70,8 +69,6 @@ public:
         if (const auto left = watch.callsToRefusal.find(function);
             left != watch.callsToRefusal.end() && left->second > 0)
             refused_ = --left->second == 0;
-        if (const auto action = watch.actions.find(function); action != watch.actions.end())
-            action->second();
     }
     [[nodiscard]] bool isWatched() const { return watched_; }
     [[nodiscard]] bool isRefused() const { return refused_; }
@@ -235,7 +232,8 @@ FileSpy::FileSpy(const host::Image &image) {
     watch.image = &image;
     // That function is the other spy's.
     watch.lengths = std::make_unique<CoreFoundationSpy>(image);
-    onCall("CFStringGetLength", [] {});
+    watch.lengths->before("CFStringGetLength",
+                          [] { host::Core::current().trace.begin("CFStringGetLength"); });
 }
 
 FileSpy::~FileSpy() {
@@ -256,15 +254,4 @@ void FileSpy::findEverythingValid() {
 
 void FileSpy::answerLength(long length) {
     watch.lengths->answerLength(length);
-}
-
-void FileSpy::onCall(std::string_view function, std::function<void()> action) {
-    if (function != "CFStringGetLength") {
-        watch.actions.insert_or_assign(std::string(function), std::move(action));
-        return;
-    }
-    watch.lengths->before(function, [action = std::move(action)] {
-        host::Core::current().trace.begin("CFStringGetLength");
-        action();
-    });
 }

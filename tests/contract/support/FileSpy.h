@@ -5,7 +5,6 @@
 #include "host/image/Image.h"
 
 #include <cstdint>
-#include <functional>
 #include <string_view>
 
 /// Stands between one image and what it calls of the File Manager and of Core Foundation's URLs and
@@ -41,8 +40,6 @@ public:
     void findEverythingValid();
     /// What CFStringGetLength answers.
     void answerLength(long length);
-    /// Runs behind the line of each call of the function; may throw.
-    void onCall(std::string_view function, std::function<void()> action);
 
 private:
     Alone<FileSpy> alone_;

@@ -9,9 +9,6 @@
 @interface TracedList : NSObject {
 @public
     std::vector<id> elements; // not retained; nil among them ends an enumeration
-    std::function<void(std::string_view)>
-        onMessage;           // gets the selector, behind its line; may throw
-    std::size_t nextToRaise; // the n-th nextObject raises, counted from 1; 0: none
 }
 - (NSUInteger)count;
 - (id)objectAtIndex:(NSUInteger)index; // nil beyond the end, which no real list would answer
