@@ -12,7 +12,7 @@ namespace {
 
 using namespace matrix;
 
-class AllocationMatrix : public testing::TestWithParam<Operation> {
+class AllocationMatrix : public testing::TestWithParam<const Operation *> {
 protected:
     std::string seenWith(std::size_t failing) {
         return inChild([&] {
@@ -34,7 +34,7 @@ protected:
         });
     }
 
-    const Operation &operation = GetParam();
+    const Operation &operation = *GetParam();
     Scene scene{operation.hostVersion, operation.withInstance};
     Act act = operation.arrange(scene);
 };
@@ -52,5 +52,5 @@ TEST_P(AllocationMatrix, ShowsOfEveryAllocationWhatBecomesOfItsFailure) {
     std::cout << cells << " cells\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, AllocationMatrix, testing::ValuesIn(everyOperation()),
-                         [](const auto &tested) { return testNameOf(tested.param); });
+INSTANTIATE_TEST_SUITE_P(Of, AllocationMatrix, testing::ValuesIn(each(everyOperation())),
+                         testNameOf);

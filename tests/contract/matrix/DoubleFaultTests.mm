@@ -127,7 +127,7 @@ private:
     CoreFoundationCalls coreFoundation_;
 };
 
-class DoubleFault : public testing::TestWithParam<Operation> {
+class DoubleFault : public testing::TestWithParam<const Operation *> {
 protected:
     /// In this process.
     Seen run(FirstFailure first, Releases releases) {
@@ -189,7 +189,7 @@ protected:
         });
     }
 
-    const Operation &operation = GetParam();
+    const Operation &operation = *GetParam();
     Scene scene{operation.hostVersion, operation.withInstance};
     Act act = operation.arrange(scene);
 };
@@ -225,17 +225,19 @@ TEST_P(DoubleFault, LetsTheFirstFailureGoOnAndNeverEndsTheProcess) {
     std::cout << cells << " cells\n";
 }
 
-static std::string testName(const testing::TestParamInfo<Operation> &tested) {
-    return testNameOf(tested.param);
-}
-
-INSTANTIATE_TEST_SUITE_P(OfProperty, DoubleFault, testing::ValuesIn(propertyOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfMethod, DoubleFault, testing::ValuesIn(methodOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfLife, DoubleFault, testing::ValuesIn(lifeOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfValue, DoubleFault, testing::ValuesIn(valueOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfMemory, DoubleFault, testing::ValuesIn(memoryOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfCollection, DoubleFault, testing::ValuesIn(collectionOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfWrapper, DoubleFault, testing::ValuesIn(wrapperOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfText, DoubleFault, testing::ValuesIn(textOperations()), testName);
+INSTANTIATE_TEST_SUITE_P(OfProperty, DoubleFault, testing::ValuesIn(each(propertyOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfMethod, DoubleFault, testing::ValuesIn(each(methodOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfLife, DoubleFault, testing::ValuesIn(each(lifeOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfValue, DoubleFault, testing::ValuesIn(each(valueOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfMemory, DoubleFault, testing::ValuesIn(each(memoryOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfCollection, DoubleFault, testing::ValuesIn(each(collectionOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfWrapper, DoubleFault, testing::ValuesIn(each(wrapperOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfText, DoubleFault, testing::ValuesIn(each(textOperations())),
+                         testNameOf);

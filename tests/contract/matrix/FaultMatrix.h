@@ -11,6 +11,8 @@
 // References that an operation holds are given back when an exception passes, unless the instance
 // is one that is abandoned on purpose, or the service that gives references back is the faulty one.
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <optional>
 #include <ostream>
@@ -152,12 +154,16 @@ struct Operation {
 };
 using Operations = std::vector<Operation>;
 
-inline void PrintTo(const Operation &operation, std::ostream *out) {
-    *out << operation.name;
+/// Operations as GoogleTest's parameters, which it copies, and destroys at the end of each test's
+/// process. The operations stay where they are.
+std::vector<const Operation *> each(const Operations &operations);
+
+inline void PrintTo(const Operation *operation, std::ostream *out) {
+    *out << operation->name;
 }
 
 /// For GoogleTest: the name's words together, each with a capital.
-std::string testNameOf(const Operation &operation);
+std::string testNameOf(const testing::TestParamInfo<const Operation *> &tested);
 
 // Every operation, by kind.
 const Operations &propertyOperations();

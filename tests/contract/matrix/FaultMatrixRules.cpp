@@ -84,10 +84,17 @@ std::string exceptionOf(Fault fault) {
     return std::string(names[static_cast<std::size_t>(fault)]);
 }
 
-std::string testNameOf(const Operation &operation) {
+std::vector<const Operation *> each(const Operations &operations) {
+    std::vector<const Operation *> addresses;
+    for (const Operation &operation : operations)
+        addresses.push_back(&operation);
+    return addresses;
+}
+
+std::string testNameOf(const testing::TestParamInfo<const Operation *> &tested) {
     std::string name;
     bool startsWord = true;
-    for (const char character : operation.name) {
+    for (const char character : tested.param->name) {
         const auto code = static_cast<unsigned char>(character);
         if (std::isalnum(code) != 0)
             name += startsWord ? static_cast<char>(std::toupper(code)) : character;

@@ -53,7 +53,7 @@ void printCells(int cells) {
     std::cout << cells << " cells\n";
 }
 
-class FaultMatrix : public testing::TestWithParam<Operation> {
+class FaultMatrix : public testing::TestWithParam<const Operation *> {
 protected:
     std::string seenWith(const Scene::Services &services, Fault fault, bool once = false) {
         return inChild([&] { return scene.run(act, services, fault, once).text(); });
@@ -72,7 +72,7 @@ protected:
             EXPECT_EQ(seenWith({service}, fault), normal) << cell(service, fault);
     }
 
-    const Operation &operation = GetParam();
+    const Operation &operation = *GetParam();
     Scene scene{operation.hostVersion, operation.withInstance};
     Act act = operation.arrange(scene);
 };
@@ -165,26 +165,22 @@ TEST_P(FaultMatrix, DropsNoFailureToRelease) {
     printCells(cells);
 }
 
-static std::string testName(const testing::TestParamInfo<Operation> &tested) {
-    return testNameOf(tested.param);
-}
-
-INSTANTIATE_TEST_SUITE_P(OfProperty, FaultMatrix, testing::ValuesIn(matrix::propertyOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfMethod, FaultMatrix, testing::ValuesIn(matrix::methodOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfLife, FaultMatrix, testing::ValuesIn(matrix::lifeOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfValue, FaultMatrix, testing::ValuesIn(matrix::valueOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfMemory, FaultMatrix, testing::ValuesIn(matrix::memoryOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfCollection, FaultMatrix,
-                         testing::ValuesIn(matrix::collectionOperations()), testName);
-INSTANTIATE_TEST_SUITE_P(OfWrapper, FaultMatrix, testing::ValuesIn(matrix::wrapperOperations()),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(OfText, FaultMatrix, testing::ValuesIn(matrix::textOperations()),
-                         testName);
+INSTANTIATE_TEST_SUITE_P(OfProperty, FaultMatrix, testing::ValuesIn(each(propertyOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfMethod, FaultMatrix, testing::ValuesIn(each(methodOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfLife, FaultMatrix, testing::ValuesIn(each(lifeOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfValue, FaultMatrix, testing::ValuesIn(each(valueOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfMemory, FaultMatrix, testing::ValuesIn(each(memoryOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfCollection, FaultMatrix, testing::ValuesIn(each(collectionOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfWrapper, FaultMatrix, testing::ValuesIn(each(wrapperOperations())),
+                         testNameOf);
+INSTANTIATE_TEST_SUITE_P(OfText, FaultMatrix, testing::ValuesIn(each(textOperations())),
+                         testNameOf);
 
 namespace {
 

@@ -23,7 +23,7 @@ bool reportsException(const std::string &selector) {
 
 constexpr Fault kinds[] = {Fault::cocoa, Fault::outOfRange};
 
-class MessageMatrix : public testing::TestWithParam<Operation> {
+class MessageMatrix : public testing::TestWithParam<const Operation *> {
 protected:
     /// The operation with exceptions in the place of some of its messages: nothing if it does not
     /// send that many, else the difference from what is expected, or "as expected".
@@ -102,7 +102,7 @@ protected:
                 }).empty();
     }
 
-    const Operation &tested = GetParam();
+    const Operation &tested = *GetParam();
     Scene scene{tested.hostVersion, tested.withInstance};
     Act act = tested.arrange(scene);
 };
@@ -143,5 +143,4 @@ TEST_P(MessageMatrix, ShowsOfEveryMessageWhatBecomesOfItsException) {
     std::cout << cells << " cells\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, MessageMatrix, testing::ValuesIn(everyOperation()),
-                         [](const auto &tested) { return testNameOf(tested.param); });
+INSTANTIATE_TEST_SUITE_P(Of, MessageMatrix, testing::ValuesIn(each(everyOperation())), testNameOf);
