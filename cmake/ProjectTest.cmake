@@ -5,19 +5,22 @@ if(NOT TARGET GTest::gmock)
 endif()
 ProcessorCount(PROCESSORS)
 
-# Everything that './dev test' needs.
+# Everything that './dev test' needs, and what '--all' needs besides.
 add_custom_target(tests)
+add_custom_target(whole_tests)
+add_dependencies(whole_tests tests)
 
-# test_set(SET PROGRAM ARGUMENTS... [PART ARGUMENTS...]): the tests of a GoogleTest program, with
+# test_set(SET PROGRAM ARGUMENTS... [PART ARGUMENTS...] [WHOLE_ONLY]): the tests of a GoogleTest program, with
 # these arguments. Each has a process of its own: what is bound or loaded stays so.
 # CTest knows them by name (label "each"), and all together in the configurations "Isolated" and
 # "Whole", where the program starts once and forks for each: many times faster. "Isolated" is what a
-# change has to pass: where PART is given, it makes the set smaller there.
+# change has to pass: where PART is given, it makes the set smaller there; with WHOLE_ONLY there is no
+# such set, and the program is built for "Whole" alone.
 function(test_set set program)
     if(NOT TARGET ${program}) # sanitized, for a Mac
         return()
     endif()
-    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "" "PART")
+    cmake_parse_arguments(PARSE_ARGV 2 ARG "WHOLE_ONLY" "" "PART")
     set(arguments ${ARG_UNPARSED_ARGUMENTS})
     gtest_discover_tests(${program}
         TEST_PREFIX ${set}/ TEST_LIST ${set}_tests EXTRA_ARGS ${arguments}
@@ -29,10 +32,15 @@ function(test_set set program)
     endif()
     string(REPLACE / . report ${set})
     set(isolated --isolate --jobs ${jobs} --junit ${CMAKE_SOURCE_DIR}/build/junit/${report}.xml)
+    add_test(NAME whole/${set} CONFIGURATIONS Whole COMMAND ${program} ${isolated} ${arguments})
+    set_tests_properties(whole/${set} PROPERTIES PROCESSORS ${PROCESSORS})
+    if(ARG_WHOLE_ONLY)
+        add_dependencies(whole_tests ${program})
+        return()
+    endif()
     add_test(NAME part/${set} CONFIGURATIONS Isolated
         COMMAND ${program} ${isolated} ${arguments} ${ARG_PART})
-    add_test(NAME whole/${set} CONFIGURATIONS Whole COMMAND ${program} ${isolated} ${arguments})
-    set_tests_properties(part/${set} whole/${set} PROPERTIES PROCESSORS ${PROCESSORS})
+    set_tests_properties(part/${set} PROPERTIES PROCESSORS ${PROCESSORS})
     add_dependencies(tests ${program})
 endfunction()
 
