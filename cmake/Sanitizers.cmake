@@ -7,7 +7,9 @@ option(SANITIZE "Build everything with AddressSanitizer and UndefinedBehaviorSan
 # Host and plug-in call each other by name, each through declarations of its own: a type that is
 # named differently on the other side is no fault.
 set(SANITIZERS -fsanitize=address,undefined -fno-sanitize=function)
-set(SANITIZE_CODE ${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+# Reports name lines, and no more of debug information.
+set(SANITIZE_CODE ${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -gline-tables-only)
 if(SANITIZE)
     add_compile_options(${SANITIZE_CODE})
     add_link_options(${SANITIZERS})
