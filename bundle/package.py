@@ -73,4 +73,7 @@ def main(arguments):
     print(sums, end="")
 
 
-main(sys.argv[1:])
+try:
+    main(sys.argv[1:])
+except OSError as error:
+    sys.exit(f"package.py: {error.filename}: {error.strerror}")

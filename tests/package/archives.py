@@ -69,6 +69,13 @@ class Archives(unittest.TestCase):
         self.assertIn(str(image / "Contents/MacOS/NSProcessInfoZKT"), report.stdout)
         self.assertRegex(report.stdout, r"processName +String +zkthost\n")
 
+    def test_are_not_made_without_saying_why(self):
+        below_a_file = self.folder / "SHA256SUMS" / "dist"
+        refused = subprocess.run([sys.executable, sources / "bundle/package.py", bundle, below_a_file],
+                                 capture_output=True, text=True, check=False)
+        self.assertEqual((refused.returncode, refused.stdout, refused.stderr),
+                         (1, "", f"package.py: {below_a_file}: Not a directory\n"))
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
