@@ -3,6 +3,9 @@
 #
 # Cross-built on Linux nothing of this can run; it compiles and links, against macos/sdk, the headers
 # of Debian's libraries and import stubs for their binaries, and GoogleTest from its sources.
+#
+# The host has the bundle's processor, x86-64, on Apple silicon too. What Homebrew has built there is
+# for arm64 and cannot be linked: what is not part of macOS is made of headers, or from sources.
 foreach(library macos_standin macos_loader gnustep_base llvm_object)
     add_library(${library} INTERFACE)
 endforeach()
@@ -12,18 +15,30 @@ target_include_directories(macos_standin INTERFACE ${CMAKE_SOURCE_DIR}/macos)
 target_compile_options(gnustep_base INTERFACE
     "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions>")
 
+# library(NAME LIBRARY [HEADERS]): a target for a library's file and the folder of its headers.
+function(library name file)
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE ${file})
+    target_include_directories(${name} SYSTEM INTERFACE ${ARGN})
+endfunction()
+
+# The ICU that is part of macOS has its functions' names without a version, and C's alone.
+function(library_icu file headers)
+    library(icu_of_macos ${file} ${headers})
+    target_compile_definitions(icu_of_macos INTERFACE U_DISABLE_RENAMING=1 U_SHOW_CPLUSPLUS_API=0)
+    add_library(ICU::uc ALIAS icu_of_macos)
+endfunction()
+
+set(INSTALL_GTEST OFF)
 if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Darwin")
-    find_package(CLI11 REQUIRED)
-    find_package(nlohmann_json REQUIRED)
-    find_package(ICU REQUIRED COMPONENTS uc)
-    find_library(LIBFFI ffi REQUIRED)
+    include(Homebrew)
     return()
 endif()
 
 # Debian's headers lie among those of its C library, which must stay out of sight.
 set(headers ${CMAKE_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${headers})
-foreach(header CLI editline nlohmann unicode x86_64-linux-gnu/ffi.h x86_64-linux-gnu/ffitarget.h)
+foreach(header CLI editline md4c-html.h md4c.h nlohmann unicode x86_64-linux-gnu/ffi.h x86_64-linux-gnu/ffitarget.h)
     get_filename_component(name ${header} NAME)
     if(NOT EXISTS /usr/include/${header})
         message(FATAL_ERROR "There is no /usr/include/${header}; './dev build' installs what is missing.")
@@ -61,16 +76,10 @@ endfunction()
 import_stub(libc++ /usr/lib/libc++.1.dylib ${CLANG_BIN}/../lib/libc++.a "_Z[^\n]+")
 import_stub(libc++abi /usr/lib/libc++abi.dylib ${CLANG_BIN}/../lib/libc++abi.a
     "(_Z|__cxa_|__gxx_)[^\n]+")
-find_file(ICU_OF_DEBIAN libicuuc.so PATHS /usr/lib/x86_64-linux-gnu
-    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
-import_stub(libicuuc /usr/local/opt/icu4c/lib/libicuuc.dylib ${ICU_OF_DEBIAN}
-    "(_ZNK?[0-9]+icu|_ZT[ISV]N[0-9]+icu|u_|ucnv_)[^\n]+" -D)
 target_link_libraries(macos_standin INTERFACE
     ${CMAKE_BINARY_DIR}/libc++.tbd ${CMAKE_BINARY_DIR}/libc++abi.tbd)
 set(LIBFFI ${stubs}/libffi.tbd)
 set(LIBEDIT ${stubs}/libedit.tbd)
-set(ICU_UC_LIBRARY_RELEASE ${CMAKE_BINARY_DIR}/libicuuc.tbd)
-set(ICU_INCLUDE_DIR ${headers})
-
-set(INSTALL_GTEST OFF)
+set(LIBMD4C_HTML ${stubs}/libmd4c-html.tbd)
+library_icu(${stubs}/libicucore.tbd ${headers})
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)

@@ -33,4 +33,7 @@ auto inAutoreleasePool(Body body) {
 /// Tells Foundation the process's arguments. Call once, first thing in main.
 void startFoundation(int argc, char **argv, char **environment);
 
+/// Whose Foundation it is: "GNUstep", "Apple".
+const char *foundationName();
+
 } // namespace host

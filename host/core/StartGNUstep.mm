@@ -8,4 +8,8 @@ void startFoundation(int argc, char **argv, char **environment) {
     [NSProcessInfo initializeWithArguments:argv count:argc environment:environment];
 }
 
+const char *foundationName() {
+    return "GNUstep";
+}
+
 } // namespace host

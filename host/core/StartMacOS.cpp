@@ -5,4 +5,8 @@ namespace host {
 /// Foundation finds the arguments by itself there.
 void startFoundation(int /*argc*/, char ** /*argv*/, char ** /*environment*/) {}
 
+const char *foundationName() {
+    return "Apple";
+}
+
 } // namespace host

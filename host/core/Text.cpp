@@ -1,7 +1,9 @@
 #include "host/core/Text.h"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <cstdlib>
 
 namespace host {
 
@@ -40,6 +42,18 @@ std::string shortest(double number) {
 
 std::string shortestSingle(double number) {
     return shortestOf(static_cast<float>(number));
+}
+
+std::optional<double> realNumber(const std::string &text) {
+    // strtod reads more than these numbers.
+    if (text.empty() || text.find_first_not_of("0123456789.+-eE") != std::string::npos)
+        return std::nullopt;
+    char *end = nullptr;
+    errno = 0;
+    const double number = std::strtod(text.c_str(), &end);
+    if (errno == ERANGE || *end != '\0')
+        return std::nullopt;
+    return number;
 }
 
 std::string hexadecimal(std::uint64_t number, int digits) {

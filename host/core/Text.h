@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,9 @@ std::string inQuotes(std::string_view bytes);
 std::string shortest(double number);
 /// The same of a number that was a Single.
 std::string shortestSingle(double number);
+/// The number that the whole text is, in decimal; nothing when it is none, or none that a double
+/// holds. (std::from_chars reads integers only where the C++ library is older than macOS 26's.)
+std::optional<double> realNumber(const std::string &text);
 /// So many digits of the number's lower end, in capitals.
 std::string hexadecimal(std::uint64_t number, int digits);
 /// "1 call", "2 calls"

@@ -1,5 +1,6 @@
 #include "host/language/Lexer.h"
 
+#include "host/core/Text.h"
 #include "host/language/Names.h"
 
 #include <algorithm>
@@ -188,10 +189,13 @@ Token Lexer::number() {
     const bool ends = !continuesName(peek());
     skipWhile(continuesName);
     Token token = make(isReal ? TokenKind::real : TokenKind::integer);
+    if (isReal) {
+        const auto real = realNumber(std::string(token.written));
+        token.real = real.value_or(0);
+        return ends && real ? token : wrong("a number");
+    }
     const char *const first = token.written.data();
-    const char *const last = first + token.written.size();
-    const std::errc error = isReal ? std::from_chars(first, last, token.real).ec
-                                   : std::from_chars(first, last, token.integer).ec;
+    const auto [end, error] = std::from_chars(first, first + token.written.size(), token.integer);
     return ends && error == std::errc{} ? token : wrong("a number");
 }
 

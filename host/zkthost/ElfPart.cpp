@@ -1,7 +1,9 @@
 #include "host/zkthost/ImageParts.h"
+#include "host/zkthost/Options.h"
 
 #include <llvm/ADT/StringExtras.h>
 #include <llvm/Object/BuildID.h>
+#include <llvm/Object/ELFObjectFile.h>
 
 namespace zkthost {
 
@@ -59,8 +61,6 @@ void readImports(const llvm::object::ELF64LEObjectFile &file, ImagePart &part) {
         part.libraries.push_back({.name = "", .imports = std::move(imports)});
 }
 
-} // namespace
-
 ImagePart partOf(const llvm::object::ELF64LEObjectFile &file) {
     const bool isShared = file.getELFFile().getHeader().e_type == llvm::ELF::ET_DYN;
     ImagePart part{.processor = llvm::Triple::getArchTypeName(file.getArch()).str(),
@@ -70,6 +70,18 @@ ImagePart partOf(const llvm::object::ELF64LEObjectFile &file) {
     readLibraries(file.getELFFile(), part);
     readImports(file, part);
     return part;
+}
+
+} // namespace
+
+ImagePart elfPart(const std::filesystem::path &file) {
+    auto opened = llvm::object::createBinary(file.string());
+    if (!opened)
+        throw InputError(llvm::toString(opened.takeError()));
+    const auto *elf = llvm::dyn_cast<llvm::object::ELF64LEObjectFile>(opened->getBinary());
+    if (elf == nullptr)
+        throw InputError("an ELF file of 32 bits or of the other byte order");
+    return partOf(*elf);
 }
 
 } // namespace zkthost

@@ -4,8 +4,6 @@
 #include "host/zkthost/Options.h"
 #include "host/zkthost/PropertyLists.h"
 
-#include <llvm/Object/MachOUniversal.h>
-
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -14,17 +12,8 @@ namespace zkthost {
 
 namespace {
 
-using llvm::object::ELF64LEObjectFile;
-using llvm::object::MachOObjectFile;
-using llvm::object::MachOUniversalBinary;
-
-[[noreturn]] void refuse(const std::filesystem::path &file, llvm::Error error) {
-    throw InputError(file.string() + ": " + llvm::toString(std::move(error)));
-}
-
-/// Of an executable in a bundle's Contents/MacOS.
-std::string propertyListBeside(const std::filesystem::path &file) {
-    std::ifstream stream(file.parent_path().parent_path() / "Info.plist", std::ios::binary);
+std::string contentsOf(const std::filesystem::path &file) {
+    std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
@@ -43,36 +32,31 @@ std::optional<BundleFacts> bundleFacts(const std::string &propertyList) {
                        .build = valueOf(texts, "CFBundleVersion")};
 }
 
-void addMachO(const MachOObjectFile &file, ImageFacts &facts) {
-    facts.parts.push_back(partOf(file));
-    if (!facts.bundle)
-        facts.bundle = bundleFacts(embeddedPropertyList(file));
+ImageFacts factsOfMachO(const std::filesystem::path &file, std::string_view bytes) {
+    // Of an executable in a bundle's Contents/MacOS.
+    const auto propertyList = file.parent_path().parent_path() / "Info.plist";
+    ImageFacts facts{
+        .file = file.string(), .format = "Mach-O", .bundle = bundleFacts(contentsOf(propertyList))};
+    for (MachOPart &part : machOParts(bytes)) {
+        facts.parts.push_back(std::move(part.facts));
+        if (!facts.bundle)
+            facts.bundle = bundleFacts(part.propertyList);
+    }
+    return facts;
 }
 
 } // namespace
 
 ImageFacts factsOf(const std::filesystem::path &file) {
-    auto opened = llvm::object::createBinary(file.string());
-    if (!opened)
-        refuse(file, opened.takeError());
-    const llvm::object::Binary &binary = *opened->getBinary();
-    ImageFacts facts{.file = file.string(), .format = "Mach-O"};
-    if (const auto *elf = llvm::dyn_cast<ELF64LEObjectFile>(&binary)) {
-        facts.format = "ELF";
-        facts.parts.push_back(partOf(*elf));
-        return facts;
+    const std::string bytes = contentsOf(file);
+    try {
+        if (bytes.starts_with("\x7F"
+                              "ELF"))
+            return {.file = file.string(), .format = "ELF", .parts = {elfPart(file)}};
+        return factsOfMachO(file, bytes);
+    } catch (const InputError &error) {
+        throw InputError(file.string() + ": " + error.what());
     }
-    facts.bundle = bundleFacts(propertyListBeside(file));
-    if (const auto *single = llvm::dyn_cast<MachOObjectFile>(&binary))
-        addMachO(*single, facts);
-    if (const auto *several = llvm::dyn_cast<MachOUniversalBinary>(&binary))
-        for (const auto &slice : several->objects()) {
-            auto object = slice.getAsObjectFile();
-            if (!object)
-                refuse(file, object.takeError());
-            addMachO(**object, facts);
-        }
-    return facts;
 }
 
 } // namespace zkthost

@@ -4,15 +4,20 @@
 
 #include "host/zkthost/ImageFacts.h"
 
-#include <llvm/Object/ELFObjectFile.h>
-#include <llvm/Object/MachO.h>
+#include <string_view>
 
 namespace zkthost {
 
-ImagePart partOf(const llvm::object::MachOObjectFile &file);
-ImagePart partOf(const llvm::object::ELF64LEObjectFile &file);
+/// What a Mach-O file has for one processor.
+struct MachOPart {
+    ImagePart facts;
+    std::string propertyList; ///< the one inside; "" when there is none
+};
 
-/// The property list that the file has in itself; "" when it has none.
-std::string embeddedPropertyList(const llvm::object::MachOObjectFile &file);
+/// Of a Mach-O file's bytes. Throws InputError, which says what is wrong with the file.
+std::vector<MachOPart> machOParts(std::string_view bytes);
+
+/// Of an ELF file. Throws InputError when it cannot be read here.
+ImagePart elfPart(const std::filesystem::path &file);
 
 } // namespace zkthost

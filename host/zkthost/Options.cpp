@@ -1,13 +1,13 @@
 #include "host/zkthost/Options.h"
 
+#include "host/core/Text.h"
 #include "host/services/Services.h"
 #include "host/zkthost/CommandHelp.h"
+#include "host/zkthost/Surroundings.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <optional>
 #include <span>
 
@@ -58,9 +58,7 @@ Value chosen(const std::string &option, const std::string &name,
 
 /// The bundle of this build, beside the folder that the program was built in.
 std::filesystem::path defaultImage() {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / "../macos/NSProcessInfoZKT.bundle").lexically_normal();
+    return (programFile().parent_path() / "../macos/NSProcessInfoZKT.bundle").lexically_normal();
 }
 
 /// Services whose absence no plug-in survives.
@@ -74,12 +72,10 @@ void checkService(const std::string &name) {
 }
 
 double versionIn(const std::string &text) {
-    double version = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), version);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(version) ||
-        version < 0)
+    const auto version = host::realNumber(text);
+    if (!version || *version < 0)
         throw InputError("--host-version " + text + ": it is a number like 2013.04");
-    return version;
+    return *version;
 }
 
 /// Behind "run" and its options everything is the program's: its file and its arguments, whatever
@@ -156,7 +152,7 @@ void addCommands(CLI::App &app, Words &words) {
                    "--class");
     convert
         ->add_option("--plist", words.propertyList,
-                     "A property list file, read by GNUstep: its contents are the object")
+                     "A property list file, read by Foundation: its contents are the object")
         ->type_name("FILE");
     convert->add_option("--class", words.cocoaClass, "A class to make the object of, by init")
         ->type_name("NAME");

@@ -2,6 +2,7 @@
 
 #include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"
+#include "host/core/Cocoa.h"
 #include "host/language/Names.h"
 #include "host/zkthost/ReportText.h"
 #include "host/zkthost/ValueTree.h"
@@ -238,7 +239,7 @@ Report makeReport(Host &host, const Image &image, ReportText *text) {
                   .format = image.format() == ImageFormat::machO ? "Mach-O" : "ELF",
                   .hostVersion = host.options().version,
                   .interfaceVersion = host.interfaceVersion(),
-                  .foundation = "GNUstep",
+                  .foundation = foundationName(),
                   .processInfo = rowOf({"", std::string(className)}, shared).text};
     for (const Constant &constant : type->constants)
         report.constants.push_back(

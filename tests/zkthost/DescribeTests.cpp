@@ -35,7 +35,7 @@ protected:
         return run.out;
     }
     std::string classes(const char *format) { return classesOf(described(format)); }
-    llvm::json::Value image() { return member(parsedJson(described("json")), "image"); }
+    Json image() { return member(parsedJson(described("json")), "image"); }
 };
 
 INSTANTIATE_TEST_SUITE_P(, Describe, testing::Values(macosImage(), linuxImage()),
@@ -107,33 +107,33 @@ Rows markdownRows(const std::string &text) {
     return rows;
 }
 
-void expectHeader(const llvm::json::Value &description, const char *name, int size, int offset,
+void expectHeader(const Json &description, const char *name, int size, int offset,
                   bool hasConstructors) {
     EXPECT_EQ(stringMember(description, "name"), name);
-    EXPECT_TRUE(member(description, "superclass").getAsNull());
+    EXPECT_TRUE(member(description, "superclass").is_null());
     EXPECT_EQ(integerMember(description, "interfaceVersion"), 13);
     EXPECT_EQ(integerMember(description, "dataSize"), size);
     EXPECT_EQ(integerMember(description, "dataOffset"), offset);
     EXPECT_EQ(integerMember(description, "flags"), 4);
-    EXPECT_EQ(member(description, "constructor").getAsBoolean(), hasConstructors);
-    EXPECT_EQ(member(description, "destructor").getAsBoolean(), hasConstructors);
+    EXPECT_EQ(member(description, "constructor"), hasConstructors);
+    EXPECT_EQ(member(description, "destructor"), hasConstructors);
 }
 
-void expectProperties(const llvm::json::Value &description,
-                      std::span<const ExpectedProperty> expected) {
+void expectProperties(const Json &description, std::span<const ExpectedProperty> expected) {
     const auto &rows = arrayMember(description, "properties");
     ASSERT_EQ(rows.size(), expected.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE(expected[i].name);
         EXPECT_EQ(stringMember(rows[i], "name"), expected[i].name);
         EXPECT_EQ(stringMember(rows[i], "type"), expected[i].type);
-        EXPECT_EQ(member(rows[i], "writable").getAsBoolean(), expected[i].writable());
-        EXPECT_EQ(member(rows[i], "fieldOffset").getAsInteger().value_or(-1), expected[i].field);
+        EXPECT_EQ(member(rows[i], "writable"), expected[i].writable());
+        const Json &offset = member(rows[i], "fieldOffset");
+        EXPECT_EQ(offset.is_null() ? -1 : integerIn(offset), expected[i].field);
         EXPECT_EQ(integerMember(rows[i], "flags"), 6);
     }
 }
 
-void expectMethods(const llvm::json::Value &description, const char *table,
+void expectMethods(const Json &description, const char *table,
                    std::span<const ExpectedMethod> expected) {
     const auto &rows = arrayMember(description, table);
     ASSERT_EQ(rows.size(), expected.size());
@@ -174,7 +174,7 @@ TEST_P(Describe, AsJsonHasEveryRecord) {
     const auto &classes = arrayMember(json, "classes");
     ASSERT_EQ(classes.size(), 2u);
 
-    const llvm::json::Value &processInfo = classes.front();
+    const Json &processInfo = classes.front();
     expectHeader(processInfo, "NSProcessInfoZKT", 16, 48, true);
     expectProperties(processInfo, expectedProperties);
     expectMethods(processInfo, "methods", expectedMethods);
@@ -187,7 +187,7 @@ TEST_P(Describe, AsJsonHasEveryRecord) {
         EXPECT_EQ(integerMember(constants[i], "value"), expectedConstants[i].value);
     }
 
-    const llvm::json::Value &activity = classes.back();
+    const Json &activity = classes.back();
     expectHeader(activity, "NSProcessInfoActivityZKT", 32, 64, false);
     expectProperties(activity, expectedActivityProperties);
     expectMethods(activity, "methods", expectedActivityMethods);
@@ -208,18 +208,18 @@ TEST(DescribeOfBothImages, HasTheSameClasses) {
 
 namespace {
 
-const llvm::json::Value &libraryOf(const llvm::json::Value &part, std::string_view name) {
-    for (const llvm::json::Value &library : arrayMember(part, "libraries"))
-        if (member(library, "name").getAsString().value_or("").ends_with(name))
+const Json &libraryOf(const Json &part, std::string_view name) {
+    for (const Json &library : arrayMember(part, "libraries"))
+        if (stringMember(library, "name").ends_with(name))
             return library;
     throw std::runtime_error("no library " + std::string(name));
 }
 
 /// Whether it is imported weakly; nothing when it is not imported.
-std::optional<bool> weakness(const llvm::json::Value &library, std::string_view import) {
-    for (const llvm::json::Value &each : arrayMember(library, "imports"))
+std::optional<bool> weakness(const Json &library, std::string_view import) {
+    for (const Json &each : arrayMember(library, "imports"))
         if (stringMember(each, "name") == import)
-            return member(each, "weak").getAsBoolean();
+            return member(each, "weak").get<bool>();
     return std::nullopt;
 }
 
@@ -245,10 +245,10 @@ TEST(DescribeOfTheBundle, TellsItsFacts) {
     EXPECT_THAT(stringMember(part, "identity"),
                 testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
     const auto &signature = member(part, "signature");
-    EXPECT_EQ(member(signature, "adHoc").getAsBoolean(), true);
+    EXPECT_EQ(member(signature, "adHoc"), true);
     EXPECT_EQ(stringMember(signature, "identifier"), "zkt.NSProcessInfoZKT");
     const auto &foundation = libraryOf(part, "/Foundation");
-    EXPECT_EQ(member(foundation, "weak").getAsBoolean(), false);
+    EXPECT_EQ(member(foundation, "weak"), false);
     EXPECT_EQ(weakness(foundation, "OBJC_CLASS_$_NSProcessInfo"), false);
     EXPECT_EQ(weakness(foundation, "NSProcessInfoThermalStateDidChangeNotification"), true);
     EXPECT_EQ(weakness(foundation, "CFRelease"), std::nullopt);
@@ -259,14 +259,14 @@ TEST(DescribeOfTheLinuxObject, TellsItsFacts) {
     const auto json = parsedJson(zkthost({"describe", "--format", "json"}, linuxImage().path).out);
     const auto &image = member(json, "image");
     for (const char *ofBundles : {"identifier", "version", "build"})
-        EXPECT_TRUE(member(image, ofBundles).getAsNull()) << ofBundles;
+        EXPECT_TRUE(member(image, ofBundles).is_null()) << ofBundles;
     const auto &part = arrayMember(image, "parts").front();
     EXPECT_EQ(stringMember(part, "kind"), "shared object");
     for (const char *ofMacs : {"leastMacOS", "builtForMacOS", "signature"})
-        EXPECT_TRUE(member(part, ofMacs).getAsNull()) << ofMacs;
+        EXPECT_TRUE(member(part, ofMacs).is_null()) << ofMacs;
     EXPECT_TRUE(arrayMember(libraryOf(part, "libc.so.6"), "imports").empty());
     const auto &imports = arrayMember(part, "libraries").back();
-    EXPECT_TRUE(member(imports, "name").getAsNull());
+    EXPECT_TRUE(member(imports, "name").is_null());
     EXPECT_EQ(weakness(imports, "CFRelease"), false);
     EXPECT_EQ(weakness(imports, "NSProcessInfoThermalStateDidChangeNotification"), true);
 }
@@ -297,8 +297,8 @@ TEST(DescribeOfAnUnsignedFile, SaysSo) {
     setenv("WRONG_PLUGIN_FAULT", "none", 1);
     const auto json = parsedJson(zkthost({"describe", "--format", "json"}, unsignedImage).out);
     const auto &image = member(json, "image");
-    EXPECT_TRUE(member(image, "identifier").getAsNull());
-    EXPECT_TRUE(member(arrayMember(image, "parts").front(), "signature").getAsNull());
+    EXPECT_TRUE(member(image, "identifier").is_null());
+    EXPECT_TRUE(member(arrayMember(image, "parts").front(), "signature").is_null());
     EXPECT_THAT(zkthost({"describe"}, unsignedImage).out,
                 testing::HasSubstr("\n  Signature    none\n"));
 }

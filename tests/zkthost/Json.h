@@ -1,43 +1,46 @@
 #pragma once
 
-#include <llvm/Support/JSON.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
-/// Throws std::runtime_error when the text is no JSON.
-inline llvm::json::Value parsedJson(std::string_view text) {
-    auto value = llvm::json::parse(text);
-    if (!value)
-        throw std::runtime_error("no JSON: " + llvm::toString(value.takeError()));
-    return std::move(*value);
+using Json = nlohmann::json;
+
+/// Throws nlohmann::json::parse_error when the text is no JSON.
+inline Json parsedJson(std::string_view text) {
+    return Json::parse(text);
 }
 
 /// A member that has to be there. Throws std::runtime_error.
-inline const llvm::json::Value &member(const llvm::json::Value &object, std::string_view name) {
-    const auto *members = object.getAsObject();
-    const auto *value = members == nullptr ? nullptr : members->get(name);
-    if (value == nullptr)
+inline const Json &member(const Json &object, std::string_view name) {
+    const auto found = object.find(name);
+    if (found == object.end())
         throw std::runtime_error("no member " + std::string(name));
-    return *value;
+    return *found;
 }
 
-inline const llvm::json::Array &arrayMember(const llvm::json::Value &object,
-                                            std::string_view name) {
-    const auto *array = member(object, name).getAsArray();
-    if (array == nullptr)
+inline const Json &arrayMember(const Json &object, std::string_view name) {
+    const Json &array = member(object, name);
+    if (!array.is_array())
         throw std::runtime_error("no array " + std::string(name));
-    return *array;
+    return array;
 }
 
-inline std::string stringMember(const llvm::json::Value &object, std::string_view name) {
-    return member(object, name).getAsString().value_or("(no string)").str();
+inline std::string stringMember(const Json &object, std::string_view name) {
+    const Json &text = member(object, name);
+    return text.is_string() ? text.get<std::string>() : "(no string)";
 }
 
 /// Of a number that must not be there as a fraction.
-inline std::int64_t integerMember(const llvm::json::Value &object, std::string_view name) {
-    const auto number = member(object, name).getAsInteger();
-    if (!number)
-        throw std::runtime_error("no integer " + std::string(name));
-    return *number;
+inline std::int64_t integerIn(const Json &number) {
+    if (!number.is_number_integer())
+        throw std::runtime_error("no integer: " + number.dump());
+    return number.get<std::int64_t>();
+}
+
+inline std::int64_t integerMember(const Json &object, std::string_view name) {
+    return integerIn(member(object, name));
 }

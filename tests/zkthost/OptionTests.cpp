@@ -45,9 +45,9 @@ TEST_P(CommandLine, TakesSeveralMissingServices) {
                                       "--without", "REALGetRBVersion"},
                                      image)));
     EXPECT_EQ(integerMember(report, "interfaceVersion"), 9);
-    for (const llvm::json::Value &row : arrayMember(report, "properties"))
+    for (const Json &row : arrayMember(report, "properties"))
         if (stringMember(row, "type") == "String")
-            EXPECT_TRUE(member(row, "value").getAsNull()) << stringMember(row, "name");
+            EXPECT_TRUE(member(row, "value").is_null()) << stringMember(row, "name");
 }
 
 TEST_P(CommandLine, TakesTheSameMissingServiceTwice) {

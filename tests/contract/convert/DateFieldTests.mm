@@ -88,6 +88,8 @@ TEST(DateFields, OfADateWithAnotherTimeZoneAreThoseOfTheDefaultOne) {
     ValueScene scene;
     NSCalendarDate *const date =
         [NSCalendarDate dateWithTimeIntervalSinceReferenceDate:moment(2013, 7, 1, 12, 0, 0)];
-    [date setTimeZone:[NSTimeZone timeZoneWithName:@"America/New_York"]];
+    // By its name: the method is deprecated.
+    [date performSelector:@selector(setTimeZone:)
+               withObject:[NSTimeZone timeZoneWithName:@"America/New_York"]];
     EXPECT_EQ(host::dateParts(scene.convert(date)), (DateParts{2013, 7, 1, 14, 0, 0}));
 }

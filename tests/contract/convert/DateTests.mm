@@ -2,7 +2,6 @@
 
 #include "Caught.h"
 #import "DateScene.h"
-#include "MessageSpy.h"
 #import "MethodSubstitute.h"
 #import "OwnObject.h"
 #include "TraceLines.h"
@@ -16,10 +15,8 @@
 #include <vector>
 
 using host::DateParts;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 
@@ -214,22 +211,6 @@ TEST(DateWithItsMethod, LooksItUpForEachDate) {
     EXPECT_NE(first.handle(), second.handle());
     EXPECT_EQ(scene.host.services().calls("REALLoadObjectMethod"), 2u);
     EXPECT_EQ(scene.host.services().calls("REALSetPropValueInteger"), 0u);
-}
-
-// Asked before there is a calendar date that would stay behind.
-TEST(DateLeftByAnException, OfItsOwnMakesNoCalendarDate) {
-    const OwnObject<TracedDate> date;
-    ValueScene scene;
-    const MessageSpy spy(scene.image, {});
-    const MethodSubstitute raising(
-        [TracedDate class], @selector(timeIntervalSinceReferenceDate),
-        +[](id, SEL) -> NSTimeInterval {
-            [NSException raise:@"Refused" format:@"date"];
-            return 0;
-        });
-    EXPECT_EQ(cocoaExceptionFrom([&] { scene.convertObject(date); }), "Refused: date");
-    EXPECT_EQ(MessageSpy::sent().back(), "timeIntervalSinceReferenceDate");
-    EXPECT_THAT(MessageSpy::sent(), Not(Contains("alloc")));
 }
 
 TEST(DateLeftByAnException, LeavesNothingBehind) {

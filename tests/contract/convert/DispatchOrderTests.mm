@@ -198,7 +198,7 @@ TEST_F(DispatchOrder, ANumberStandsBeforeADate) {
 }
 
 TEST_F(DispatchOrder, ADateStandsBeforeADictionary) {
-    const id date = alsoKindOf([NSCalendarDate calendarDate], [NSDictionary class]);
+    const id date = alsoKindOf([NSCalendarDate date], [NSDictionary class]);
     EXPECT_EQ(classOf(date), "Date");
 }
 

@@ -169,7 +169,7 @@ TEST_F(DispatchValue, EveryOrdinaryObjectHasItsHostClass) {
         {.object = [NSNumber numberWithBool:YES], .hostClass = "Variant"},
         {.object = [NSNumber numberWithDouble:0.5], .hostClass = "Variant"},
         {.object = [NSDate date], .hostClass = "Date"},
-        {.object = [NSCalendarDate calendarDate], .hostClass = "Date"},
+        {.object = [NSCalendarDate date], .hostClass = "Date"},
         {.object = [NSDictionary dictionary], .hostClass = "Dictionary"},
         {.object = [NSMutableDictionary dictionary], .hostClass = "Dictionary"},
         {.object = [[[NSObject alloc] init] autorelease], .hostClass = "CFObjectZKT"},

@@ -6,6 +6,7 @@
 #include "host/family/Siblings.h"
 
 #import <Foundation/Foundation.h>
+#import <objc/runtime.h>
 
 #include <gmock/gmock.h>
 
@@ -127,7 +128,7 @@ TEST(CocoaTrap, LogsTheUserInfo) {
 
 TEST(CocoaTrap, LogsWhatTheExceptionLacks) {
     ActingScene scene(
-        [] { [[NamelessException exceptionWithName:nil reason:nil userInfo:nil] raise]; });
+        [] { [[NamelessException exceptionWithName:@"N" reason:nil userInfo:nil] raise]; });
     const std::string log = logOf([&] { scene.host.get(scene.info, "processIdentifier"); });
     EXPECT_EQ(messageIn(log), "A (null): (null), Info: (null)\n");
 }

@@ -14,6 +14,8 @@
 #include <map>
 #include <unistd.h>
 
+extern "C" char **environ; // which not every unistd.h declares
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 

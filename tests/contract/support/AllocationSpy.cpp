@@ -1,5 +1,7 @@
 #include "AllocationSpy.h"
 
+#include "SystemAllocation.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -7,16 +9,6 @@
 #include <span>
 
 // The program's own functions stand before the C library's, for everything loaded into it.
-// A sanitizer's are reached under the names that it gives its interceptors.
-#if __has_feature(address_sanitizer)
-extern "C" void *systemMalloc(std::size_t) asm("__interceptor_malloc");
-extern "C" void *systemCalloc(std::size_t, std::size_t) asm("__interceptor_calloc");
-extern "C" void systemFree(void *) asm("__interceptor_free");
-#else
-extern "C" void *systemMalloc(std::size_t) asm("__libc_malloc");
-extern "C" void *systemCalloc(std::size_t, std::size_t) asm("__libc_calloc");
-extern "C" void systemFree(void *) asm("__libc_free");
-#endif
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include "CoreFoundationSpy.h"
 #include "FileSpy.h"
 #include "LoadedPlugin.h"
-#include "MessageSpy.h"
 #include "StringCreationSpy.h"
 #include "TypeIdentifierSpy.h"
 
@@ -31,7 +30,6 @@ TEST(Spies, AreAlone) {
     expectAlone<ClassLookupSpy>(loaded.image);
     expectAlone<CoreFoundationSpy>(loaded.image);
     expectAlone<FileSpy>(loaded.image);
-    expectAlone<MessageSpy>(loaded.image, MessageSpy::Interruptions{});
     expectAlone<StringCreationSpy>(loaded.image);
     expectAlone<TypeIdentifierSpy>();
     expectAlone<CoreFoundationCalls>(loaded.image, [](std::string_view) { return true; });

@@ -2,6 +2,9 @@
 
 #include "TraceLines.h"
 
+/// Signed here, and not every Foundation says so.
+using Char = decltype([[NSNumber alloc] charValue]);
+
 @implementation TracedNumber
 
 // The answer, behind its line.
@@ -20,7 +23,7 @@ static Answer answer(SEL selector, Answer value) {
     return answer(_cmd, static_cast<BOOL>(integer));
 }
 
-- (signed char)charValue {
+- (Char)charValue {
     return answer(_cmd, static_cast<signed char>(integer));
 }
 

@@ -20,9 +20,12 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSIndexSet.h>
+#include <Foundation/NSInvocation.h>
+#include <Foundation/NSKeyValueObserving.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSOtherClasses.h>
+#include <Foundation/NSPathUtilities.h>
 #include <Foundation/NSProcessInfo.h>
 #include <Foundation/NSPropertyList.h>
 #include <Foundation/NSRange.h>

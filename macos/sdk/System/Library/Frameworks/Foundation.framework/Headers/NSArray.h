@@ -3,14 +3,14 @@
 #pragma once
 #pragma clang system_header
 
+#include <Foundation/NSEnumerator.h>
 #include <Foundation/NSObject.h>
-
-@class NSEnumerator<ObjectType>;
 
 #pragma clang assume_nonnull begin
 
 OBJC_VISIBLE
-@interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSMutableCopying>
+@interface NSArray<__covariant ObjectType>
+    : NSObject <NSCopying, NSMutableCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
 /// Raises NSRangeException for an index outside the array.
 - (ObjectType)objectAtIndex:(NSUInteger)index;

@@ -5,6 +5,8 @@
 
 #include <Foundation/NSDate.h>
 
+@class NSTimeZone;
+
 #pragma clang assume_nonnull begin
 
 OBJC_VISIBLE
@@ -14,6 +16,7 @@ OBJC_VISIBLE
 - (NSInteger)dayOfMonth CF_MACOS_DEPRECATED(10.4, 10.10);
 - (NSInteger)hourOfDay CF_MACOS_DEPRECATED(10.4, 10.10);
 - (NSInteger)minuteOfHour CF_MACOS_DEPRECATED(10.4, 10.10);
+- (void)setTimeZone:(null_unspecified NSTimeZone *)zone CF_MACOS_DEPRECATED(10.4, 10.10);
 - (NSInteger)secondOfMinute CF_MACOS_DEPRECATED(10.4, 10.10);
 @end
 

@@ -12,6 +12,7 @@ OBJC_VISIBLE
 @property(readonly) NSUInteger length;
 /// May be null when there are none. Lives as long as the data.
 @property(readonly) const void *bytes __attribute__((objc_returns_inner_pointer));
+- (BOOL)isEqualToData:(NSData *)other;
 + (instancetype)data;
 + (instancetype)dataWithBytes:(nullable const void *)bytes length:(NSUInteger)length;
 @end

@@ -17,6 +17,7 @@ OBJC_VISIBLE
 - (instancetype)initWithTimeIntervalSinceReferenceDate:(NSTimeInterval)seconds;
 + (instancetype)date;
 + (instancetype)dateWithTimeIntervalSinceReferenceDate:(NSTimeInterval)seconds;
++ (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)seconds;
 @end
 
 #pragma clang assume_nonnull end

@@ -16,6 +16,7 @@ OBJC_VISIBLE
 - (nullable ObjectType)objectForKey:(KeyType)key;
 - (instancetype)init;
 @property(readonly, copy) NSArray<KeyType> *allKeys;
+@property(readonly, copy) NSArray<ObjectType> *allValues;
 + (instancetype)dictionary;
 + (instancetype)dictionaryWithObject:(ObjectType)object forKey:(KeyType<NSCopying>)key;
 + (instancetype)dictionaryWithObjectsAndKeys:(id)firstObject, ... __attribute__((sentinel(0, 1)));
@@ -29,6 +30,7 @@ OBJC_VISIBLE
 @interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
 - (void)setObject:(ObjectType)object forKey:(KeyType<NSCopying>)key;
 - (void)removeObjectForKey:(KeyType)key;
+- (void)removeAllObjects;
 @end
 
 #pragma clang assume_nonnull end

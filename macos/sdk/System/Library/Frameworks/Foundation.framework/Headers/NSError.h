@@ -17,6 +17,9 @@ OBJC_VISIBLE
 + (instancetype)errorWithDomain:(NSErrorDomain)domain
                            code:(NSInteger)code
                        userInfo:(nullable NSDictionary *)userInfo;
+- (instancetype)initWithDomain:(NSErrorDomain)domain
+                          code:(NSInteger)code
+                      userInfo:(nullable NSDictionary *)userInfo;
 @property(readonly) NSInteger code;
 @property(readonly, copy) NSString *localizedDescription;
 @property(nullable, readonly, copy) NSString *localizedFailureReason;

@@ -4,6 +4,7 @@
 #pragma clang system_header
 
 #include <Foundation/NSDate.h>
+#include <Foundation/NSInvocation.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSValue.h>
 
@@ -42,6 +43,10 @@ OBJC_VISIBLE
 @end
 
 OBJC_VISIBLE
+@interface NSUndoManager : NSObject
+@end
+
+OBJC_VISIBLE
 @interface NSDistributedNotificationCenter : NSObject
 @end
 
@@ -53,6 +58,8 @@ __attribute__((objc_root_class))
 }
 + (id)alloc;
 - (void)dealloc;
+- (void)forwardInvocation:(NSInvocation *)invocation;
+- (nullable NSMethodSignature *)methodSignatureForSelector:(SEL)selector;
 @end
 
 #pragma clang assume_nonnull end

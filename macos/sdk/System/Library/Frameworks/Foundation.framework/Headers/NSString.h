@@ -8,6 +8,10 @@
 #pragma clang assume_nonnull begin
 
 typedef unsigned short unichar;
+typedef NSUInteger NSStringEncoding;
+enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
+
+@class NSData;
 
 OBJC_VISIBLE
 @interface NSString : NSObject <NSCopying, NSMutableCopying>
@@ -26,6 +30,7 @@ OBJC_VISIBLE
 - (instancetype)initWithUTF8String:(const char *)text;
 - (void)getCharacters:(unichar *)buffer;
 - (BOOL)hasPrefix:(NSString *)prefix;
+- (nullable NSData *)dataUsingEncoding:(NSStringEncoding)encoding;
 - (NSString *)stringByAppendingString:(NSString *)string;
 @end
 

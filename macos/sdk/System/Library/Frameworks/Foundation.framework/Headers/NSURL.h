@@ -12,7 +12,10 @@
 OBJC_VISIBLE
 @interface NSURL : NSObject <NSCopying>
 + (NSURL *)fileURLWithPath:(NSString *)path;
++ (NSURL *)fileURLWithPath:(NSString *)path isDirectory:(BOOL)isDirectory;
 + (nullable instancetype)URLWithString:(NSString *)text;
++ (nullable instancetype)URLWithString:(NSString *)text relativeToURL:(nullable NSURL *)base;
+- (nullable instancetype)initWithString:(NSString *)text;
 @property(nullable, readonly, copy) NSString *absoluteString;
 @property(readonly, getter=isFileURL) BOOL fileURL;
 @property(nullable, readonly, copy) NSString *path;

@@ -1,6 +1,5 @@
 // Makes the command line and the environment UTF-8 before anything reads them: GNUstep gives up on
-// other bytes while libraries start, long before main could catch that. And sees to it that what is
-// opened later does not take the place of a closed standard stream.
+// other bytes while libraries start, long before main could catch that.
 
 #include "host/zkthost/Surroundings.h"
 
@@ -9,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -57,13 +55,6 @@ void keepOriginal(int argc, char **argv) {
     original = list;
 }
 
-/// Writing to one that was closed fails as it would have.
-void occupyStandardStreams() {
-    for (int file = 0; file <= STDERR_FILENO; ++file)
-        if (fcntl(file, F_GETFD) < 0)
-            open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-}
-
 void prepare(int argc, char **argv, char **environment) {
     occupyStandardStreams();
     keepOriginal(argc, argv);
@@ -81,6 +72,11 @@ void prepare(int argc, char **argv, char **environment) {
 
 const char *const *originalArguments() {
     return original;
+}
+
+std::filesystem::path programFile() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
 } // namespace zkthost
