@@ -1,0 +1,90 @@
+# shellcheck shell=bash disable=SC2034 # 'dev' uses the variables
+# What './dev' does on a Mac: Xcode's command line tools, Homebrew's packages, and the host for macOS,
+# with the bundle alone. dev.d/debian.sh says the same for Debian.
+#
+# The host is for x86-64 like the bundle, on Apple silicon too. Homebrew's libraries there are for
+# arm64: only headers and programs come from them, and libraries are built from their sources.
+
+host=macos-host # the preset of the reference host, and the folder of its build
+lint_build=build/lint
+
+images() { printf '%s\n' build/macos/NSProcessInfoZKT.bundle; }
+
+processors() { getconf _NPROCESSORS_ONLN; }
+
+need_tools() {
+    xcode-select -p >/dev/null 2>&1 || fail "needs Xcode's command line tools: xcode-select --install"
+    command -v brew >/dev/null || fail "needs Homebrew, which https://brew.sh installs"
+    [ "$(uname -m)" = x86_64 ] || arch -x86_64 /usr/bin/true 2>/dev/null ||
+        fail "needs Rosetta, since the bundle is for Intel: softwareupdate --install-rosetta"
+}
+
+# brewed FORMULAE...: installs those that are missing.
+brewed() {
+    local formula missing=
+    for formula in "$@"; do
+        [ -d "$(brew --prefix "$formula")" ] || missing="$missing $formula"
+    done
+    [ -n "$missing" ] || return 0
+    echo "Installing:$missing" >&2
+    # shellcheck disable=SC2086 # names, one a word
+    brew install --quiet $missing >&2 || fail "installing packages failed; see above"
+}
+
+# sources FORMULAE...: unpacks what Homebrew builds them from into build/sources.
+sources() {
+    local formula folder
+    for formula in "$@"; do
+        folder=build/sources/$formula
+        [ ! -f "$folder/.unpacked" ] || continue
+        echo "Fetching the sources of $formula" >&2
+        brew fetch --quiet --build-from-source "$formula" >&2 ||
+            fail "fetching the sources of $formula failed; see above"
+        rm -rf "$folder"
+        mkdir -p "$folder"
+        tar -xf "$(brew --cache --build-from-source "$formula")" -C "$folder" --strip-components 1
+        touch "$folder/.unpacked"
+    done
+}
+
+need_packages() {
+    need_tools
+    brewed cmake ninja cli11 nlohmann-json icu4c
+    sources googletest md4c google-benchmark
+}
+
+need_lint_packages() {
+    need_packages
+    brewed llvm shellcheck
+}
+
+need_format_packages() {
+    need_tools
+    brewed llvm
+}
+
+# tool NAME: the path of one of LLVM's programs.
+tool() { printf '%s\n' "$(brew --prefix llvm)/bin/$1"; }
+
+# The SDK that bundle and host are built against, where nobody names one.
+make_sdk() { real_folder "$(xcrun --sdk macosx --show-sdk-path)"; }
+
+# configure_bundle SDK. A compiler that is newer than ours may find more to warn of.
+configure_bundle() { configure macos "-DCMAKE_OSX_SYSROOT:PATH=$1" -DWARNINGS_AS_ERRORS=OFF; }
+
+# mac_host OPTIONS...
+mac_host() {
+    configure "$host" "$@" "-DCMAKE_OSX_SYSROOT:PATH=$(make_sdk)" -DWARNINGS_AS_ERRORS=OFF \
+        -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_BENCHMARKS=ON \
+        "-DCMAKE_PREFIX_PATH=$(brew --prefix);$(brew --prefix icu4c)"
+}
+
+configure_host() { [ -f "build/$host/build.ninja" ] || mac_host; }
+
+build_for_elsewhere() { :; }
+
+# Precompiled headers of Apple's compiler are none of Homebrew's clang-tidy's.
+configure_lint() {
+    [ -f "$lint_build/build.ninja" ] ||
+        mac_host -B "$lint_build" -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
+}
