@@ -30,6 +30,7 @@ OBJC_VISIBLE
 - (instancetype)initWithUTF8String:(const char *)text;
 - (void)getCharacters:(unichar *)buffer;
 - (BOOL)hasPrefix:(NSString *)prefix;
+- (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding; // 0: has no such form
 - (nullable NSData *)dataUsingEncoding:(NSStringEncoding)encoding;
 - (NSString *)stringByAppendingString:(NSString *)string;
 @end
