@@ -15,7 +15,7 @@ typedef struct {
 
 @protocol NSFastEnumeration
 - (NSUInteger)countByEnumeratingWithState:(nonnull NSFastEnumerationState *)state
-                                  objects:(id __unsafe_unretained _Nullable [_Nonnull])buffer
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
                                     count:(NSUInteger)count;
 @end
 
