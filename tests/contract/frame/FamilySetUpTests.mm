@@ -9,6 +9,8 @@
 #include "host/core/Core.h"
 #include "host/family/Siblings.h"
 
+#import <Foundation/Foundation.h>
+
 #include <gmock/gmock.h>
 
 #include <stdexcept>
