@@ -3,9 +3,9 @@
 
 Each mutant is one edit of one source file. The Linux object is built from a copy of the tree, and the
 contract tests run on it, each in a process of its own, until one fails: first those that noticed
-earlier mutants, of the nearest line, the same file, the same folder, then the other tests, fastest first.
-A mutant that no test notices survives. Mutants that no test can notice stand in equivalent.txt, with the
-reason, and are passed over. Each job has a copy and a build of its own.
+earlier mutants of the same file, the nearest line's before others, then the others, the same folder's
+before others and fastest first. A mutant that no test notices survives. Mutants that no test can notice
+stand in equivalent.txt, with the reason, and are passed over. Each job has a copy and a build of its own.
 
 Outcomes are kept in build/mutate/outcomes. A later run starts with the tests that noticed something; with
 --resume it also passes over a mutant that the same test noticed in the same text of the file, if there
@@ -16,6 +16,7 @@ import argparse
 import concurrent.futures
 import dataclasses
 import hashlib
+import json
 import os
 import pathlib
 import re
@@ -308,6 +309,14 @@ class Workbench:
         failed = self.run(f"--order={self.order}", "--jobs=1", "--stop-at-first-failure")
         return failed[0] if failed else None
 
+    def folders(self):
+        """The folder of each test's source, which has the name of a folder of the plug-in or none."""
+        listing = self.order.with_name("tests.json")
+        subprocess.run([self.tests, "--gtest_list_tests", f"--gtest_output=json:{listing}"], check=True,
+                       stdout=subprocess.DEVNULL)
+        return {f"{suite['name']}.{test['name']}": pathlib.PurePath(test["file"]).parent.name
+                for suite in json.loads(listing.read_text())["testsuites"] for test in suite["testsuite"]}
+
     def timed_run(self):
         """Runs every test on the unchanged plug-in, unless it is known that none of them fails there;
         gives their durations."""
@@ -355,23 +364,24 @@ class Outcomes:
 
 
 class TestOrder:
-    """The tests that noticed something first: in the same file by line, in the same folder, elsewhere. Then
-    the others, fastest first."""
+    """The tests that noticed something in the same file first, by line. Then those in the folder of that
+    name, then those that noticed something elsewhere, then the others; each fastest first."""
 
-    def __init__(self, durations, noticing):
-        self.durations = durations
+    def __init__(self, durations, folders, noticing):
+        self.durations, self.folders = durations, folders
         self.noticing = {name: {} for name in durations}  # by test and path: the lines
         for path, line, name in noticing:
             if name in durations:
                 self.noticed(path, line, name)
 
     def of(self, mutant):
+        folder = mutant.path.split("/")[0]
+
         def distance(name):
             known = self.noticing[name]
             if mutant.path in known:
                 return min(abs(line - mutant.line) for line in known[mutant.path])
-            folder = mutant.path.split("/")[0] + "/"
-            return FAR + (0 if any(path.startswith(folder) for path in known) else 1 if known else 2)
+            return FAR + (0 if self.folders.get(name) == folder else 1 if known else 2)
 
         return sorted(self.durations, key=lambda name: (distance(name), self.durations[name]))
 
@@ -462,7 +472,7 @@ def main():
         bench.prepare()
     durations = benches[0].timed_run()
     outcomes = Outcomes(ROOT / "build/mutate/outcomes")
-    order = TestOrder(durations, outcomes.noticing())
+    order = TestOrder(durations, benches[0].folders(), outcomes.noticing())
     equivalent = known_equivalents()
     score = Score(len(todo))
     waiting = iter(todo)
