@@ -1,6 +1,6 @@
 // NSExceptions inside an operation: logged once, raised in the host, replaced by the fallback.
 
-#import "ActingObject.h"
+#import "ActingScene.h"
 
 #include "host/core/Core.h"
 #include "host/family/Siblings.h"

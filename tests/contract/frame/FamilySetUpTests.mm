@@ -1,7 +1,7 @@
 // How the plug-in finds its family: the registry of wrappers and the exception support, each asked
 // for until it is there.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "Caught.h"
 #include "FamilyDouble.h"
 #include "LoadedPlugin.h"

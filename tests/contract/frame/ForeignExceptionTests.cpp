@@ -1,6 +1,6 @@
 // What an object behind "Handle" throws that is no Objective-C object: not the trap's business.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 
 #include "host/family/Siblings.h"
 

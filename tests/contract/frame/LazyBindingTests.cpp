@@ -1,6 +1,6 @@
 // Binding as the host sees it: each service that an operation reaches, through the operation.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // C++ exceptions on the way to a host string become host exceptions.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "TextScene.h"
 
 #include <gmock/gmock.h>

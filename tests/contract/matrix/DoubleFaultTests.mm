@@ -5,7 +5,7 @@
 // first failure was raised in the host, it does not pass any longer: then the release of what it
 // was raised with fails by itself, and leaves the operation.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "CoreFoundationCalls.h"
 #import "FaultMatrixScene.h"
 #include "MessageSpy.h"

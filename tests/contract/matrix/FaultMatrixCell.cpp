@@ -2,7 +2,7 @@
 
 #include "FaultMatrix.h"
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "Caught.h"
 #include "System.h"
 

@@ -1,6 +1,6 @@
 #import "FaultMatrixScene.h"
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "ActivityScene.h"
 #include "host/classes/ClassTable.h"
 #include "host/classes/Inspect.h"

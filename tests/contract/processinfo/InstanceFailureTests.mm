@@ -1,6 +1,6 @@
 // Calls of Core Foundation that fail in the middle of an instance's life: what is left behind.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "Caught.h"
 #include "CoreFoundationSpy.h"
 #import "SharedScene.h"

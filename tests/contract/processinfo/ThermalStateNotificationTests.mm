@@ -1,7 +1,7 @@
 // The shared method that gives the name of the thermal-state notification, a constant that not
 // every macOS has.
 
-#include "ActingObject.h"
+#include "ActingScene.h"
 #include "Caught.h"
 #include "CoreFoundationSpy.h"
 #include "LoadedPlugin.h"

@@ -47,6 +47,7 @@ struct ProcessInfoAnswers {
 - (std::uint64_t)physicalMemory;
 - (double)systemUptime;
 - (signed char)automaticTerminationSupportEnabled;
+- (void)disableAutomaticTermination:(NSString *)reason;
 @end
 
 /// Knows no message of a process-information object.

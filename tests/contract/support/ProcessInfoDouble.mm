@@ -105,6 +105,10 @@ static void record(ProcessInfoDouble *self, SEL selector) {
     return answers.automaticTerminationSupportEnabled;
 }
 
+- (void)disableAutomaticTermination:(NSString *)reason {
+    record(self, _cmd);
+}
+
 @end
 
 @implementation DumbObject
