@@ -97,7 +97,7 @@ REALstringStruct *REALBuildUnicodeString(const char *data, std::int64_t length,
                                          std::uint32_t encoding) {
     if (data == nullptr || length < 1 || length > 0x7FFFFFFF)
         return nullptr;
-    return withStandardExceptionsMapped([&] { return buildString(data, length, encoding); });
+    return withStandardExceptionsMapped([=] { return buildString(data, length, encoding); });
 }
 
 REALstringStruct *REALBuildUnicodeStringUTF16(const void *data, std::int64_t length) {

@@ -9,9 +9,14 @@
 
 #include <objc/runtime.h>
 
+// Foundation's, asked for once.
+static constinit NSNull *singleNull = nil;
+
 // The first test that the object passes decides.
 REALobjectStruct *NewVariantFromNSObject(NSObject *object) {
-    if (object == nil || object == [NSNull null])
+    if (singleNull == nil) [[unlikely]]
+        singleNull = [NSNull null];
+    if (object == nil || object == singleNull)
         return nullptr;
     if (REALobjectStruct *known = registry::wrapperOf(object))
         return known;

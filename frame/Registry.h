@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/HostTypes.h"
+#include "frame/HostServices.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -12,7 +12,15 @@ namespace registry {
 inline constinit CFMutableDictionaryRef instances = nullptr;
 
 /// The instance that wraps the object, with a reference for the caller, or null.
-REALobjectStruct *wrapperOf(const void *cocoaObject);
+inline REALobjectStruct *wrapperOf(const void *cocoaObject) {
+    if (instances == nullptr)
+        return nullptr;
+    auto *known = static_cast<REALobjectStruct *>(
+        const_cast<void *>(CFDictionaryGetValue(instances, cocoaObject)));
+    if (known != nullptr)
+        REALLockObject(known);
+    return known;
+}
 
 /// Makes the instance the object's wrapper, instead of any earlier one.
 void enter(const void *cocoaObject, REALobjectStruct *instance);

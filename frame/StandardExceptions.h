@@ -18,7 +18,7 @@ template <class Body>
 auto withStandardExceptionsMapped(Body body) -> decltype(body()) {
     decltype(body()) result = nullptr;
     bool hasNoName = false;
-    const auto run = [&] { result = body(); };
+    const auto run = [&result, body] { result = body(); };
     try {
         hasNoName = throwsCocoaObject(
             [](const void *argument) { (*static_cast<decltype(&run)>(argument))(); }, &run);
