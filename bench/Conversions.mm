@@ -1,5 +1,6 @@
 #include "Conversions.h"
 
+#include "ImageSymbol.h"
 #include "LightHost.h"
 
 #import <Foundation/Foundation.h>
@@ -29,10 +30,11 @@ namespace {
 
 struct Plugin {
     explicit Plugin(const host::Image &image)
-        : convert(symbol<Convert>(image, "NewVariantFromNSObject")),
-          rowOf(symbol<RowOf>(image, "classRowOf")),
-          rowByMessages(symbol<RowOf>(image, "(anonymous namespace)::firstRowByMessages")),
-          isKindOfClass(symbol<void *>(image, "(anonymous namespace)::isKindOfClassOfNSObject")) {
+        : convert(imageSymbol<Convert>(image, "NewVariantFromNSObject")),
+          rowOf(imageSymbol<RowOf>(image, "classRowOf")),
+          rowByMessages(imageSymbol<RowOf>(image, "(anonymous namespace)::firstRowByMessages")),
+          isKindOfClass(
+              imageSymbol<void *>(image, "(anonymous namespace)::isKindOfClassOfNSObject")) {
         light_host::release(convert(@"")); // looks up what is looked up once
     }
 
@@ -43,14 +45,6 @@ struct Plugin {
     RowOf *rowOf;
     RowOf *rowByMessages;
     void **isKindOfClass; // as the plug-in knows it of NSObject
-
-private:
-    template <class Symbol>
-    static Symbol *symbol(const host::Image &image, const char *name) {
-        if (void *found = image.symbolDemangled(name))
-            return reinterpret_cast<Symbol *>(found);
-        throw host::ImageError(image.file().string() + ": no symbol " + name);
-    }
 };
 
 /// While it lives, no object seems to answer isKindOfClass: as NSObject does.
@@ -186,11 +180,11 @@ std::vector<Ratio> registerConversions(const host::Image &image) {
         return add(name, [=](State &state) { writeJson(state, object); });
     };
 
-    const char *walk = addRow("no row, NSObject: by superclasses", [NSObject class], plugin.rowOf);
+    const char *walk = addRow("no row, NSObject: by its class", [NSObject class], plugin.rowOf);
     const char *messages =
         addRow("no row, NSObject: by messages", [NSObject class], plugin.rowByMessages);
-    const char *deepWalk = addRow("no row, three classes deep: by superclasses",
-                                  [ThirdGeneration class], plugin.rowOf);
+    const char *deepWalk =
+        addRow("no row, three classes deep: by its class", [ThirdGeneration class], plugin.rowOf);
     const char *deepMessages = addRow("no row, three classes deep: by messages",
                                       [ThirdGeneration class], plugin.rowByMessages);
     const char *fast = addConversion("measurements: conversion", series);
@@ -207,11 +201,11 @@ std::vector<Ratio> registerConversions(const host::Image &image) {
     const bool isBundle = image.format() == host::ImageFormat::machO;
     const auto limit = [=](double most) { return isBundle ? 0 : most; };
     return {
-        {.what = "no row, NSObject: by superclasses / by messages",
+        {.what = "no row, NSObject: by its class / by messages",
          .benchmark = walk,
          .baseline = messages,
          .atMost = limit(0.01)},
-        {.what = "no row, three classes deep: by superclasses / by messages",
+        {.what = "no row, three classes deep: by its class / by messages",
          .benchmark = deepWalk,
          .baseline = deepMessages,
          .atMost = limit(0.01)},

@@ -1,6 +1,12 @@
 #include "LightHost.h"
 
+#include "frame/HostTypes.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -10,7 +16,7 @@ namespace light_host {
 
 namespace {
 
-enum class Kind : std::uint8_t { string, variant, array, dictionary };
+enum class Kind : std::uint8_t { string, variant, array, dictionary, block, instance, wrapper };
 
 /// A host object or a host string. Cells are taken from and given back to a list of free ones.
 struct Cell {
@@ -20,26 +26,55 @@ struct Cell {
     union {
         std::int64_t integer;
         double number;
+        void *bytes;                   // of a memory block
         std::vector<Cell *> *elements; // of an array; of a dictionary, keys and values in turn
     } value{};
 };
+
+/// An instance of a class that has data; a wrapper's begins with an object that it retained.
+struct Instance {
+    Cell cell;
+    std::byte header[instanceDataOffset - sizeof(Cell)]{};
+    CFTypeRef object = nullptr;
+    std::int64_t more[3]{};
+};
+static_assert(offsetof(Instance, object) == instanceDataOffset);
 
 bool isCollection(const Cell *cell) {
     return cell->kind == Kind::array || cell->kind == Kind::dictionary;
 }
 
+bool hasData(const Cell *cell) {
+    return cell->kind == Kind::instance || cell->kind == Kind::wrapper;
+}
+
 Cell *freeCells = nullptr;
+Cell *freeInstances = nullptr;
 std::size_t liveCells = 0;
 
-Cell *newCell(Kind kind) {
+// From the list of free ones, which may be empty; null then.
+Cell *reused(Cell *&freeOnes, Kind kind) {
     ++liveCells;
-    if (freeCells == nullptr)
-        return new Cell{.kind = kind};
-    Cell *cell = std::exchange(freeCells, freeCells->content);
+    if (freeOnes == nullptr)
+        return nullptr;
+    Cell *cell = std::exchange(freeOnes, freeOnes->content);
     cell->references = 1;
     cell->kind = kind;
     cell->content = nullptr;
     return cell;
+}
+
+Cell *newCell(Kind kind) {
+    Cell *cell = reused(freeCells, kind);
+    return cell != nullptr ? cell : new Cell{.kind = kind};
+}
+
+Instance *newInstanceWithData(Kind kind) {
+    auto *instance = reinterpret_cast<Instance *>(reused(freeInstances, kind));
+    if (instance == nullptr)
+        instance = new Instance{.cell = {.kind = kind}};
+    instance->object = nullptr;
+    return instance;
 }
 
 void lock(Cell *cell) {
@@ -56,7 +91,11 @@ void unlock(Cell *cell) {
             unlock(each);
         delete cell->value.elements;
     }
-    cell->content = std::exchange(freeCells, cell);
+    if (cell->kind == Kind::block)
+        std::free(cell->value.bytes);
+    if (cell->kind == Kind::wrapper)
+        CFRelease(reinterpret_cast<Instance *>(cell)->object);
+    cell->content = std::exchange(hasData(cell) ? freeInstances : freeCells, cell);
     --liveCells;
 }
 
@@ -72,8 +111,57 @@ Cell *newCollection(Kind kind) {
     return collection;
 }
 
+constexpr std::int64_t coreFoundationTag = 0x52424346; // in the data's third field
+
+struct Class {
+    std::string_view name;
+    Kind kind;
+    std::int64_t tag = 0;
+};
+
+constexpr Class classes[] = {
+    {"Date", Kind::instance},
+    {"NSRectZKT", Kind::instance},
+    {"NSSizeZKT", Kind::instance},
+    {"NSPointZKT", Kind::instance},
+    {"NSRangeZKT", Kind::instance},
+    {"NSErrorZKT", Kind::wrapper},
+    {"NSIndexSetZKT", Kind::wrapper},
+    {"NSObjectZKT", Kind::wrapper},
+    {"CFObjectZKT", Kind::wrapper, coreFoundationTag},
+};
+
 Cell *newInstance(const char *className) {
-    return std::strcmp(className, "Dictionary") == 0 ? newCollection(Kind::dictionary) : nullptr;
+    const std::string_view name = className;
+    if (name == "Dictionary")
+        return newCollection(Kind::dictionary);
+    for (const Class &each : classes)
+        if (each.name == name) {
+            Instance *instance = newInstanceWithData(each.kind);
+            instance->more[1] = each.tag;
+            return &instance->cell;
+        }
+    return nullptr;
+}
+
+void setDate(Instance *date, std::int64_t year, std::int64_t month, std::int64_t day,
+             std::int64_t hour, std::int64_t minute, std::int64_t second) {
+    date->more[0] = 372 * year + 31 * month + day;
+    date->more[1] = 3600 * hour + 60 * minute + second;
+}
+
+Cell *newMemoryBlock(std::int32_t size) {
+    Cell *block = newCell(Kind::block);
+    block->value.bytes = std::malloc(static_cast<std::size_t>(size));
+    return block;
+}
+
+void *bytesOf(Cell *block) {
+    return block->value.bytes;
+}
+
+Cell *folderItem(const void *, const void *) {
+    return newCell(Kind::variant);
 }
 
 Cell *buildString(const char *, std::int32_t length) {
@@ -99,10 +187,18 @@ Cell *booleanVariant(bool value) {
     return integerVariant(value ? 1 : 0);
 }
 
+Cell *unsignedVariant(std::uint32_t value) {
+    return integerVariant(value);
+}
+
 Cell *doubleVariant(double value) {
     Cell *variant = newCell(Kind::variant);
     variant->value.number = value;
     return variant;
+}
+
+Cell *singleVariant(float value) {
+    return doubleVariant(value);
 }
 
 Cell *createArray(std::int64_t, std::int64_t) {
@@ -127,11 +223,6 @@ void setValue(Cell *dictionary, Cell *key, Cell *value) {
     append(dictionary, value);
 }
 
-void *objectMethod(Cell *, const char *declaration) {
-    constexpr std::string_view setter = "Value(key As Variant, Assigns _value As Variant)";
-    return declaration == setter ? reinterpret_cast<void *>(setValue) : nullptr;
-}
-
 struct Service {
     const char *name;
     void *entryPoint;
@@ -140,6 +231,13 @@ struct Service {
 template <class Function>
 void *address(Function *function) {
     return reinterpret_cast<void *>(function);
+}
+
+void *objectMethod(Cell *object, const char *declaration) {
+    constexpr std::string_view setter = "Value(key As Variant, Assigns _value As Variant)";
+    if (object->kind == Kind::dictionary)
+        return declaration == setter ? address(setValue) : nullptr;
+    return object->kind == Kind::block ? address(bytesOf) : address(setDate);
 }
 
 // NOLINTNEXTLINE(bugprone-throwing-static-initialization): nothing in it throws
@@ -157,10 +255,14 @@ const Service services[] = {
     {"StringToVariant", address(stringVariant)},
     {"IntegerToVariant", address(integerVariant)},
     {"BooleanToVariant", address(booleanVariant)},
+    {"UInt32ToVariant", address(unsignedVariant)},
     {"DoubleToVariant", address(doubleVariant)},
+    {"SingleToVariant", address(singleVariant)},
     {"RuntimeArrayCreateSingleDimBoundedArray", address(createArray)},
     {"PluginObjectArrayInsertProc", address(insertProcedure)},
     {"REALLoadObjectMethod", address(objectMethod)},
+    {"newMemoryBlock", address(newMemoryBlock)},
+    {"REALFolderItemFromParentFSRef", address(folderItem)},
 };
 
 } // namespace
