@@ -19,7 +19,3 @@ target_include_directories(md4c_html SYSTEM PUBLIC ${md4c})
 set(LIBMD4C_HTML md4c_html)
 
 add_subdirectory(${sources}/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-set(BENCHMARK_ENABLE_TESTING OFF)
-set(BENCHMARK_ENABLE_INSTALL OFF)
-set(BENCHMARK_ENABLE_WERROR OFF)
-add_subdirectory(${sources}/google-benchmark ${CMAKE_BINARY_DIR}/benchmark EXCLUDE_FROM_ALL SYSTEM)

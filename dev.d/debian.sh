@@ -4,8 +4,6 @@
 
 host=linux # the preset of the reference host, and the folder of its build
 
-images() { printf '%s\n' build/linux/NSProcessInfoZKT.so build/macos/NSProcessInfoZKT.bundle; }
-
 processors() { nproc; }
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }

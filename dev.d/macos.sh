@@ -8,8 +8,6 @@
 host=macos-host # the preset of the reference host, and the folder of its build
 lint_build=build/lint
 
-images() { printf '%s\n' build/macos/NSProcessInfoZKT.bundle; }
-
 processors() { getconf _NPROCESSORS_ONLN; }
 
 need_tools() {
@@ -50,7 +48,7 @@ sources() {
 need_packages() {
     need_tools
     brewed cmake ninja cli11 nlohmann-json icu4c
-    sources googletest md4c google-benchmark
+    sources googletest md4c
 }
 
 need_lint_packages() {
@@ -75,7 +73,7 @@ configure_bundle() { configure macos "-DCMAKE_OSX_SYSROOT:PATH=$1" -DWARNINGS_AS
 # mac_host OPTIONS...
 mac_host() {
     configure "$host" "$@" "-DCMAKE_OSX_SYSROOT:PATH=$(make_sdk)" -DWARNINGS_AS_ERRORS=OFF \
-        -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_BENCHMARKS=ON \
+        -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         "-DCMAKE_PREFIX_PATH=$(brew --prefix);$(brew --prefix icu4c)"
 }
 

@@ -14,7 +14,8 @@
 #include <map>
 #include <unistd.h>
 
-extern "C" char **environ; // which not every unistd.h declares
+// Which not every unistd.h declares.
+extern "C" char **environ; // NOLINT(readability-redundant-declaration)
 
 using testing::ElementsAre;
 using testing::IsEmpty;
