@@ -76,8 +76,7 @@ endfunction()
 import_stub(libc++ /usr/lib/libc++.1.dylib ${CLANG_BIN}/../lib/libc++.a "_Z[^\n]+")
 import_stub(libc++abi /usr/lib/libc++abi.dylib ${CLANG_BIN}/../lib/libc++abi.a
     "(_Z|__cxa_|__gxx_)[^\n]+")
-target_link_libraries(macos_standin INTERFACE
-    ${CMAKE_BINARY_DIR}/libc++.tbd ${CMAKE_BINARY_DIR}/libc++abi.tbd)
+link_libraries(${CMAKE_BINARY_DIR}/libc++.tbd ${CMAKE_BINARY_DIR}/libc++abi.tbd)
 set(LIBFFI ${stubs}/libffi.tbd)
 set(LIBEDIT ${stubs}/libedit.tbd)
 set(LIBMD4C_HTML ${stubs}/libmd4c-html.tbd)

@@ -15,6 +15,7 @@ OBJC_VISIBLE
 /// Raises NSRangeException for an index outside the array.
 - (ObjectType)objectAtIndex:(NSUInteger)index;
 - (instancetype)init;
+- (instancetype)initWithObjects:(ObjectType)first, ... __attribute__((sentinel(0, 1)));
 - (NSEnumerator<ObjectType> *)objectEnumerator;
 + (instancetype)array;
 + (instancetype)arrayWithObject:(ObjectType)object;
