@@ -4,7 +4,6 @@
 #include "ClassLookupSpy.h"
 #import "ClassPairs.h"
 #include "DispatchScene.h"
-#include "MessageSpy.h"
 #include "RowMessages.h"
 
 #include <gtest/gtest.h>
@@ -108,19 +107,4 @@ TEST_F(ShortWay, IsFoundAgainByAClassWhosePlaceAnotherOneTook) {
     *place = {[NSObject class], nullptr};
     EXPECT_EQ(classOf([NSError errorWithDomain:@"domain" code:2 userInfo:nil]), "NSErrorZKT");
     EXPECT_EQ(place->cls, object_getClass(error));
-}
-
-TEST_F(ShortWay, LeadsBooleansAndOtherObjectsOfTheirClassToTheirOwnRows) {
-    const id boolean = (id)kCFBooleanTrue;
-    const id number = NSAllocateObject(object_getClass(boolean), 0, nullptr);
-    const auto messages = [&](id object) {
-        const MessageSpy spy(scene.image, {});
-        scene.convert(object);
-        std::vector<std::string> sent = MessageSpy::sent();
-        std::erase(sent, "isKindOfClass:");
-        return sent;
-    };
-    for (const id first : {boolean, number, boolean, number})
-        EXPECT_EQ(messages(first).empty(), first == boolean);
-    [number release];
 }
