@@ -5,11 +5,14 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
+#include <thread>
 #include <unistd.h>
 
 using testing::HasSubstr;
@@ -26,7 +29,7 @@ public:
             execl(ZKTHOST_PROGRAM, ZKTHOST_PROGRAM, "run", "--image", image.c_str(), nullptr);
             _exit(127);
         }
-        readUntil("> ");
+        readUntilPrompt("> ");
     }
     ~Terminal() {
         kill(process_, SIGKILL);
@@ -40,7 +43,7 @@ public:
     std::string type(const std::string &line, std::string_view prompt = "> ") {
         const std::string keys = line + "\n";
         EXPECT_EQ(write(file_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-        return readUntil(prompt);
+        return readUntilPrompt(prompt);
     }
     /// Ctrl-D; the exit status.
     int end() {
@@ -52,6 +55,18 @@ public:
     }
 
 private:
+    /// And until keys go to the program as they are typed: shortly after its prompt. Ctrl-D before
+    /// that is the terminal's own, and lost.
+    std::string readUntilPrompt(std::string_view prompt) {
+        std::string shown = readUntil(prompt);
+        termios state{};
+        for (int tries = 0; tries < 10000; ++tries) {
+            if (tcgetattr(file_, &state) != 0 || (state.c_lflag & ICANON) == 0)
+                break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return shown;
+    }
     /// Or until the program ends, or for ten seconds.
     std::string readUntil(std::string_view end) {
         std::string shown;
