@@ -80,7 +80,7 @@ std::vector<Ratio> registerLimits(const host::Image &image) {
     // answer as NSObject does, the guard around host strings, and calls between the plug-in's
     // files. The bundle's messages and calls of the runtime take a way through the loader, too,
     // that a Mac does not have.
-    const double limit = image.format() == host::ImageFormat::elf ? 1.25 : 0;
+    const double limit = image.format() == host::ImageFormat::elf ? 1.4 : 0;
     for (const auto &[what, count] : {std::pair{"environment of 100 variables", 100},
                                       std::pair{"environment of 5,000 variables", 5000}}) {
         REALobjectStruct *instance = newBound(count); // lives as long as the program

@@ -10,6 +10,8 @@
 
 #include <objc/runtime.h>
 
+#include <cstddef>
+
 /// A Cocoa class and what becomes of the objects that are a kind of it.
 struct ClassRow {
     const char *cocoaClass; // null: the row is Core Foundation's two booleans, by identity
@@ -159,8 +161,10 @@ inline constexpr ClassRow classRows[] = {
     {"NSExpression", how::registered},
 };
 
-/// Core Foundation's booleans, and the row that takes all other objects of their class.
-inline constexpr const ClassRow *booleanRow = &classRows[5];
-inline constexpr const ClassRow *numberRow = booleanRow + 1;
-static_assert(booleanRow->cocoaClass == nullptr &&
-              numberRow->convert == how::value<newNumberVariant>);
+/// The rows of values come first; their classes are Foundation's own, and none is a kind of
+/// another.
+inline constexpr std::size_t valueRowCount = 9;
+inline constexpr std::size_t booleanRow = 5;
+static_assert(classRows[booleanRow].cocoaClass == nullptr);
+static_assert(classRows[valueRowCount - 1].convert == how::value<NSDictionaryRB> &&
+              classRows[valueRowCount].convert == how::registered);

@@ -3,8 +3,8 @@
 #include "convert/ConversionTable.h"
 
 /// The first row of the class table that the object matches, or null. A row whose class is not
-/// loaded matches nothing. Sends isKindOfClass: to objects whose answer may differ from NSObject's
-/// own, and to the first one that it meets of any other class.
+/// loaded matches nothing. Sends isKindOfClass: only to objects whose answer may differ from
+/// NSObject's own.
 const ClassRow *classRowOf(NSObject *object);
 
 /// The first of the classes that a process may lack that the object is a kind of, by name; or null.

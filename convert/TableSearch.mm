@@ -3,12 +3,45 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <dlfcn.h>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <string_view>
 
 namespace {
+
+using RowIndex = std::uint8_t;
+constexpr RowIndex noRow = std::numeric_limits<RowIndex>::max();
+static_assert(std::size(classRows) < noRow);
+
+// The rows by class name, the shorter names first: where a name is in no row, its length mostly
+// tells.
+struct NamedRow {
+    std::string_view name;
+    RowIndex row;
+
+    friend constexpr bool operator<(const NamedRow &one, const NamedRow &other) {
+        return one.name.size() != other.name.size() ? one.name.size() < other.name.size()
+                                                    : one.name < other.name;
+    }
+};
+
+constexpr auto namedRows = [] {
+    std::array<NamedRow, std::size(classRows) - 1> rows{};
+    std::size_t count = 0;
+    for (std::size_t row = 0; row != std::size(classRows); ++row)
+        if (row != booleanRow)
+            rows[count++] = {classRows[row].cocoaClass, static_cast<RowIndex>(row)};
+    std::ranges::sort(rows, std::less<>());
+    return rows;
+}();
+static_assert(std::ranges::all_of(namedRows,
+                                  [](const NamedRow &row) { return row.name.starts_with("NS"); }));
 
 bool isCoreFoundationBoolean(NSObject *object) {
     return object == (id)kCFBooleanFalse || object == (id)kCFBooleanTrue;
@@ -20,7 +53,7 @@ bool isKindOf(NSObject *object, const char *className) {
 }
 
 // The definition of classRowOf.
-[[gnu::noinline]] const ClassRow *firstRowByMessages(NSObject *object) {
+[[gnu::noinline, gnu::cold]] const ClassRow *firstRowByMessages(NSObject *object) {
     for (const ClassRow &row : classRows)
         if (row.cocoaClass != nullptr ? isKindOf(object, row.cocoaClass)
                                       : isCoreFoundationBoolean(object))
@@ -28,9 +61,15 @@ bool isKindOf(NSObject *object, const char *className) {
     return nullptr;
 }
 
+// Foundation's classes of the value rows, and NSObject. The plug-in is linked with it, so they are
+// there as long as the plug-in is, and are looked up once.
+constinit bool foundationLookedUp = false;
+constinit Class valueClasses[valueRowCount] = {};
+constinit std::uintptr_t lowestValueClass = std::numeric_limits<std::uintptr_t>::max();
+constinit Class rootClass = Nil;
+
 // NSObject's own methods; null when they had been replaced by the first conversion. On macOS,
 // isKindOfClass: begins with the answer to class, so both must be its own.
-constinit bool methodsLookedUp = false;
 constinit IMP isKindOfClassOfNSObject = nullptr;
 constinit IMP classOfNSObject = nullptr;
 
@@ -45,11 +84,16 @@ IMP ownMethod(Class cls, SEL selector) {
     return isOwn ? method : nullptr;
 }
 
-[[gnu::noinline, gnu::cold]] void lookUpMethods() {
-    Class rootClass = [NSObject class];
+[[gnu::noinline, gnu::cold]] void lookUpFoundation() {
+    for (std::size_t row = 0; row != valueRowCount; ++row)
+        if (row != booleanRow) {
+            valueClasses[row] = objc_getClass(classRows[row].cocoaClass);
+            lowestValueClass = std::min(lowestValueClass, (std::uintptr_t)valueClasses[row]);
+        }
+    rootClass = [NSObject class];
     isKindOfClassOfNSObject = ownMethod(rootClass, @selector(isKindOfClass:));
     classOfNSObject = ownMethod(rootClass, @selector(class));
-    methodsLookedUp = true;
+    foundationLookedUp = true;
 }
 
 // Whether objects of the class are a kind of it and its superclasses, and of nothing else.
@@ -60,24 +104,40 @@ bool answersAsNSObject(Class cls) {
            class_getMethodImplementation(cls, @selector(class)) == classOfNSObject;
 }
 
-// A class whose objects were asked, and the row that they match but for the two booleans.
-struct MetClass {
-    Class cls;
-    const ClassRow *row;
-};
+// The value row of a class, or noRow.
+RowIndex valueRowOf(Class cls) {
+    if ((std::uintptr_t)cls < lowestValueClass) // as the program's own are
+        return noRow;
+    const auto *found = std::ranges::find(valueClasses, cls);
+    return found != std::end(valueClasses) ? static_cast<RowIndex>(found - std::begin(valueClasses))
+                                           : noRow;
+}
 
-// Each at the place that its address tells, until another one takes it.
-constinit std::array<MetClass, 1024> metClasses{};
+// The row of any other class, or noRow. Such classes come and go, so that a name says little: the
+// row's class is the one that is loaded under the name now.
+RowIndex pairRowOf(Class cls, const char *name) {
+    const auto *found = std::ranges::lower_bound(namedRows, NamedRow{name, noRow}, std::less<>());
+    return found != namedRows.end() && found->name == name && objc_getClass(name) == cls
+               ? found->row
+               : noRow;
+}
 
-// Asks the object, and keeps the answer if the class comes with a library: then it stays, and its
-// superclasses too. A class that a program made may be gone at any time, and another one be at its
-// address.
-[[gnu::noinline]] const ClassRow *meet(NSObject *object, Class cls, MetClass &place) {
-    const ClassRow *row = firstRowByMessages(object);
-    Dl_info library{};
-    if (dladdr((const void *)cls, &library) != 0)
-        place = {cls, row == booleanRow ? numberRow : row};
-    return row;
+// The same as firstRowByMessages, for an object whose class answers as NSObject does: of the rows
+// that its superclasses have, the first counts.
+const ClassRow *firstRowOfAncestors(NSObject *object, Class cls) {
+    RowIndex first = noRow;
+    for (Class each = cls; each != Nil && each != rootClass; each = class_getSuperclass(each)) {
+        if (const RowIndex value = valueRowOf(each); value != noRow) {
+            first = value;
+            break;
+        }
+        const char *name = class_getName(each);
+        if (name[0] == 'N' && name[1] == 'S') // unlike most
+            first = std::min(first, pairRowOf(each, name));
+    }
+    if (first > booleanRow && isCoreFoundationBoolean(object))
+        first = booleanRow;
+    return first != noRow ? &classRows[first] : nullptr;
 }
 
 struct LateClass {
@@ -108,15 +168,10 @@ constexpr LateClass *lateClasses[] = {&NSUserNotificationClass, &NSDraggingImage
 } // namespace
 
 const ClassRow *classRowOf(NSObject *object) {
-    if (!methodsLookedUp) [[unlikely]]
-        lookUpMethods();
+    if (!foundationLookedUp) [[unlikely]]
+        lookUpFoundation();
     Class cls = object_getClass(object);
-    if (!answersAsNSObject(cls))
-        return firstRowByMessages(object);
-    MetClass &place = metClasses[(std::uintptr_t)cls / 16 % metClasses.size()];
-    if (place.cls != cls)
-        return meet(object, cls, place);
-    return place.row == numberRow && isCoreFoundationBoolean(object) ? booleanRow : place.row;
+    return answersAsNSObject(cls) ? firstRowOfAncestors(object, cls) : firstRowByMessages(object);
 }
 
 const char *lateClassOf(NSObject *object) {
