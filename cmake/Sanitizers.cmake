@@ -39,10 +39,9 @@ function(sanitized_names result)
     set(${result} ${names} PARENT_SCOPE)
 endfunction()
 
-# sanitized_twin(TARGET [OPTIONS...]): TARGET_sanitized, of the same sources, settings and libraries (of
-# which it takes the twins), compiled and linked under the sanitizers, with these options besides; its
-# file has the same name in the folder "sanitized". To be called where TARGET is complete, in the folder
-# that made it.
+# sanitized_twin(TARGET): TARGET_sanitized, of the same sources, settings and libraries (of which it
+# takes the twins), compiled and linked under the sanitizers; its file has the same name in the
+# folder "sanitized". To be called where TARGET is complete, in the folder that made it.
 function(sanitized_twin target)
     get_target_property(type ${target} TYPE)
     string(REPLACE "_LIBRARY" "" kind ${type})
@@ -69,7 +68,7 @@ function(sanitized_twin target)
         endif()
     endforeach()
     target_link_libraries(${twin} PRIVATE sanitized)
-    target_compile_options(${twin} PRIVATE ${SANITIZE_CODE} ${ARGN})
+    target_compile_options(${twin} PRIVATE ${SANITIZE_CODE})
     set_target_properties(${twin} PROPERTIES
         OUTPUT_NAME ${target}
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized
