@@ -76,8 +76,8 @@ class Executable(unittest.TestCase):
 
     def test_names_no_path_but_those_of_macos_libraries(self):
         text = executable.read_bytes().replace((bundle / "Contents/Info.plist").read_bytes(), b"")
-        # Between two zeros: what looks like a path in a hash or in code is none.
-        strings = b"\n".join(re.findall(rb"(?<=\0)[ -~]{4,}(?=\0)", text))
+        # Up to a zero: what else looks like a path, in a hash or in code, is none.
+        strings = b"\n".join(re.findall(rb"[ -~]{4,}(?=\0)", text))
         paths = {match.decode() for match in re.findall(rb"[\w.+-]*/[\w./+-]{3,}", strings)}
         libraries = {path for path in paths
                      if re.fullmatch(r"/System/Library/Frameworks/\w+\.framework/Versions/[AC]/\w+"
