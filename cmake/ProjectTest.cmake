@@ -10,8 +10,8 @@ add_custom_target(tests)
 add_custom_target(whole_tests)
 add_dependencies(whole_tests tests)
 
-# test_set(SET PROGRAM ARGUMENTS... [PART ARGUMENTS...] [WHOLE_ONLY]): the tests of a GoogleTest program, with
-# these arguments. Each has a process of its own: what is bound or loaded stays so.
+# test_set(SET PROGRAM ARGUMENTS... [PART ARGUMENTS...] [WHOLE_ONLY]): the tests of a GoogleTest program,
+# with these arguments. Each has a process of its own: what is bound or loaded stays so.
 # CTest knows them by name (label "each"), and all together in the configurations "Isolated" and
 # "Whole", where the program starts once and forks for each: many times faster. "Isolated" is what a
 # change has to pass: where PART is given, it makes the set smaller there; with WHOLE_ONLY there is no
@@ -83,6 +83,7 @@ function(sanitized_tests NAME)
     target_compile_definitions(${twin} PRIVATE ${ARG_DEFINITIONS})
     set_target_properties(${twin} PROPERTIES
         OUTPUT_NAME ${NAME}
+        EXPORT_COMPILE_COMMANDS OFF
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized
         ENABLE_EXPORTS ON)
     get_target_property(needed ${NAME} MANUALLY_ADDED_DEPENDENCIES)

@@ -71,6 +71,7 @@ function(sanitized_twin target)
     target_compile_options(${twin} PRIVATE ${SANITIZE_CODE})
     set_target_properties(${twin} PROPERTIES
         OUTPUT_NAME ${target}
+        EXPORT_COMPILE_COMMANDS OFF # clang-tidy needs to see a source once
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized
         ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized)

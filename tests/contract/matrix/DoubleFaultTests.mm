@@ -18,7 +18,6 @@
 #include <iostream>
 #include <optional>
 #include <ostream>
-#include <span>
 #include <sstream>
 #include <stdexcept>
 
@@ -195,11 +194,6 @@ protected:
     Act act = operation.arrange(scene);
 };
 
-// All, or the first alone where few are to be tried.
-template <typename T, std::size_t count>
-std::span<const T> tried(const T (&all)[count]) {
-    return std::span(all).first(triesFewFaults() ? 1 : count);
-}
 // A block's making answers to the one of C++ by itself.
 constexpr Fault firstFaults[] = {Fault::cocoa, Fault::badAlloc};
 constexpr Releases failingReleases[] = {Releases::throwCocoa, Releases::throwStandard};
@@ -210,7 +204,7 @@ TEST_P(DoubleFault, LetsTheFirstFailureGoOnAndNeverEndsTheProcess) {
     scene.host.clearTrace();
     int cells = 0;
     for (const Caller caller : callers)
-        for (const Fault fault : tried(firstFaults))
+        for (const Fault fault : firstFaults)
             for (std::size_t n = 1;; ++n) {
                 const FirstFailure first{caller, n, fault};
                 const auto wanted = expected(first);
@@ -218,7 +212,7 @@ TEST_P(DoubleFault, LetsTheFirstFailureGoOnAndNeverEndsTheProcess) {
                     break;
                 if (wanted->releases == 0)
                     continue; // nothing that could fail as well
-                for (const Releases releases : tried(failingReleases)) {
+                for (const Releases releases : failingReleases) {
                     ++cells;
                     EXPECT_EQ(seenWith(first, releases, *wanted), "as expected")
                         << operation.name << ", " << nouns[static_cast<std::size_t>(caller)] << ' '

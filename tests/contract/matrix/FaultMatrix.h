@@ -29,7 +29,6 @@ enum class Fault { none, missing, null, badAlloc, outOfRange, lengthError, numbe
 /// exception passes makes no difference to memory.
 std::span<const Fault> faults();
 void tryFewFaults();
-bool triesFewFaults();
 
 std::string_view nameOf(Fault fault);
 /// Throws what a service in that state throws; returns for the states that do not.

@@ -56,10 +56,6 @@ void tryFewFaults() {
     few = true;
 }
 
-bool triesFewFaults() {
-    return few;
-}
-
 std::string_view nameOf(Fault fault) {
     constexpr std::string_view names[] = {"present",
                                           "missing",
