@@ -229,7 +229,7 @@ int runTests(const IsolatedRun &run, const std::string &label) {
         Child child{.test = test};
         const pid_t process = start(child, run.secondsPerTest);
         if (process == 0)
-            return runOne(test);
+            endNow(runOne(test));
         running.emplace(process, std::move(child));
         if (running.size() == jobs)
             await(running, tally);

@@ -8,3 +8,7 @@ int anonymousFile(const char *name);
 
 /// Kills this process when its parent ends, where the system can do that.
 void endWithParent();
+
+/// Ends the process with what belongs to its end but the program's destructors, where that can be:
+/// to take down GoogleTest's tests, all of which each process has, costs more than many a test.
+[[noreturn]] void endNow(int status);
