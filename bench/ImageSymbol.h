@@ -7,5 +7,5 @@ template <class Symbol>
 Symbol *imageSymbol(const host::Image &image, const char *name) {
     if (void *found = image.symbolDemangled(name))
         return reinterpret_cast<Symbol *>(found);
-    throw host::ImageError(image.file().string() + ": no symbol " + name);
+    throw host::ImageError(image.file(), std::string("no symbol ") + name);
 }

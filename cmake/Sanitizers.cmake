@@ -23,6 +23,8 @@ endif()
 
 # Link one of these: what it says holds for the target and all that link it.
 add_library(sanitized INTERFACE)
+# A twin's source stands behind others, whose names it may use anew.
+target_compile_options(sanitized INTERFACE -Wno-shadow)
 target_link_options(sanitized INTERFACE ${SANITIZERS})
 target_sources(sanitized INTERFACE
     $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${CMAKE_CURRENT_LIST_DIR}/SanitizerOptions.cpp>)
@@ -41,7 +43,9 @@ endfunction()
 
 # sanitized_twin(TARGET): TARGET_sanitized, of the same sources, settings and libraries (of which it
 # takes the twins), compiled and linked under the sanitizers; its file has the same name in the
-# folder "sanitized". To be called where TARGET is complete, in the folder that made it.
+# folder "sanitized". To be called where TARGET is complete, in the folder that made it. Several
+# sources are compiled as one, in half of the time: local names of a target's sources must differ,
+# unless SKIP_UNITY_BUILD_INCLUSION is set for them.
 function(sanitized_twin target)
     get_target_property(type ${target} TYPE)
     string(REPLACE "_LIBRARY" "" kind ${type})
@@ -71,6 +75,7 @@ function(sanitized_twin target)
     target_compile_options(${twin} PRIVATE ${SANITIZE_CODE})
     set_target_properties(${twin} PROPERTIES
         OUTPUT_NAME ${target}
+        UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8
         EXPORT_COMPILE_COMMANDS OFF # clang-tidy needs to see a source once
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/sanitized

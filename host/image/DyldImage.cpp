@@ -22,10 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void fail(const fs::path &file, const std::string &what) {
-    throw ImageError(file.string() + ": " + what);
-}
-
 struct Range {
     std::uintptr_t begin, end;
     [[nodiscard]] bool contains(std::uintptr_t address) const {
@@ -189,7 +185,7 @@ void rebindImports(const LoadedFile &loaded, const fs::path &file, const ImageOp
         }
     });
     if (!missing.empty())
-        fail(file, "imports that this system does not have:" + missing);
+        throw ImageError(file, "imports that this system does not have:" + missing);
 }
 
 class DyldImage final : public Image {
@@ -217,11 +213,11 @@ private:
 std::unique_ptr<Image> openMachOImage(const fs::path &file, const ImageOptions &options) {
     void *const handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr)
-        fail(file, std::string("cannot be loaded: ") + dlerror());
+        throw ImageError(file, std::string("cannot be loaded: ") + dlerror());
     void *const entry = dlsym(handle, entryPointName);
     Dl_info place{};
     if (entry == nullptr || dladdr(entry, &place) == 0)
-        fail(file, std::string("no plug-in: it does not export ") + entryPointName);
+        throw ImageError(file, std::string("no plug-in: it does not export ") + entryPointName);
     LoadedFile loaded(*static_cast<const mach_header_64 *>(place.dli_fbase));
     rebindImports(loaded, file, options);
     return std::make_unique<DyldImage>(file, std::move(loaded),
@@ -229,7 +225,7 @@ std::unique_ptr<Image> openMachOImage(const fs::path &file, const ImageOptions &
 }
 
 std::unique_ptr<Image> openElfImage(const fs::path &file, const ImageOptions & /*options*/) {
-    fail(file, "an ELF file, which macOS does not load");
+    throw ImageError(file, "an ELF file, which macOS does not load");
 }
 
 } // namespace host

@@ -17,14 +17,10 @@ namespace {
 
 using ElfFile = llvm::object::ELF64LEObjectFile;
 
-[[noreturn]] void fail(const std::filesystem::path &file, const std::string &what) {
-    throw ImageError(file.string() + ": " + what);
-}
-
 template <typename Result>
 Result must(llvm::Expected<Result> result, const std::filesystem::path &file) {
     if (!result)
-        fail(file, "damaged: " + llvm::toString(result.takeError()));
+        throw ImageError(file, "damaged: " + llvm::toString(result.takeError()));
     return std::move(*result);
 }
 
@@ -43,14 +39,14 @@ public:
         elf_ = llvm::dyn_cast<ElfFile>(binary_.getBinary());
         if (elf_ == nullptr || elf_->getELFFile().getHeader().e_machine != EM_X86_64 ||
             elf_->getELFFile().getHeader().e_type != ET_DYN)
-            fail(file, "no shared object for x86-64");
+            throw ImageError(file, "no shared object for x86-64");
         for (const auto &header : must(elf_->getELFFile().program_headers(), file)) {
             const Range range{header.p_vaddr, header.p_vaddr + header.p_memsz};
             if (header.p_type == PT_LOAD) {
                 // A page past the end of the file would end the process, not the loading.
                 const std::uint64_t size = elf_->getELFFile().getBufSize();
                 if (header.p_filesz > size || header.p_offset > size - header.p_filesz)
-                    fail(file, "damaged: a segment passes the end of the file");
+                    throw ImageError(file, "damaged: a segment passes the end of the file");
                 segments.push_back(range);
             }
             if (header.p_type == PT_GNU_RELRO)
@@ -177,14 +173,14 @@ std::unique_ptr<Image> openElfImage(const std::filesystem::path &file,
                                     const ImageOptions &options) {
     const ElfPlan plan(file);
     if (!plan.hasEntryPoint)
-        fail(file, std::string("no plug-in: it does not export ") + entryPointName);
+        throw ImageError(file, std::string("no plug-in: it does not export ") + entryPointName);
     for (const ElfPlan::Import &import : plan.imports)
         if (!import.weak && options.withheldImports.contains(import.name))
-            fail(file, "imports that this system does not have: " + import.name);
+            throw ImageError(file, "imports that this system does not have: " + import.name);
 
     void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr)
-        fail(file, std::string("cannot be loaded: ") + dlerror());
+        throw ImageError(file, std::string("cannot be loaded: ") + dlerror());
     const link_map *map = nullptr;
     dlinfo(handle, RTLD_DI_LINKMAP, static_cast<void *>(&map));
     const auto base = static_cast<std::uint64_t>(map->l_addr);

@@ -20,10 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void fail(const fs::path &file, const std::string &what) {
-    throw ImageError(file.string() + ": " + what);
-}
-
 /// The value of CFBundleExecutable in a property list in XML form; "" when there is none.
 std::string executableName(const fs::path &propertyList) {
     std::ifstream stream(propertyList, std::ios::binary);
@@ -45,21 +41,21 @@ fs::path executableOf(const fs::path &bundle) {
     const fs::path contents = bundle / "Contents";
     std::error_code ignored;
     if (!fs::is_directory(contents, ignored))
-        fail(bundle, "a folder, but no bundle: it has no Contents");
+        throw ImageError(bundle, "a folder, but no bundle: it has no Contents");
     std::string name = executableName(contents / "Info.plist");
     if (name.empty())
         name =
             bundle.has_filename() ? bundle.stem().string() : bundle.parent_path().stem().string();
     const fs::path executable = contents / "MacOS" / name;
     if (!fs::is_regular_file(executable, ignored))
-        fail(bundle, "a bundle without its executable " + executable.string());
+        throw ImageError(bundle, "a bundle without its executable " + executable.string());
     return executable;
 }
 
 std::string firstBytes(const fs::path &file) {
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
-        fail(file, std::string("cannot be read: ") + std::strerror(errno));
+        throw ImageError(file, std::string("cannot be read: ") + std::strerror(errno));
     std::array<char, 16> bytes{};
     stream.read(bytes.data(), bytes.size());
     return {bytes.data(), static_cast<std::size_t>(stream.gcount())};
@@ -112,19 +108,20 @@ std::unique_ptr<Image> openImage(const fs::path &path, const ImageOptions &optio
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (path.empty() || !fs::exists(status))
-        fail(path.empty() ? fs::path("\"\"") : path, "no such file");
+        throw ImageError(path.empty() ? fs::path("\"\"") : path, "no such file");
     const fs::path file = fs::is_directory(status) ? executableOf(path) : path;
     if (!fs::is_regular_file(file, error))
-        fail(file, "not a regular file");
+        throw ImageError(file, "not a regular file");
     const std::string start = firstBytes(file);
     if (start.empty())
-        fail(file, "empty");
+        throw ImageError(file, "empty");
     if (startsLikeMachO(start))
         return openMachOImage(file, options);
     if (start.starts_with("\x7F"
                           "ELF"))
         return openElfImage(fs::absolute(file), options);
-    fail(file, "neither a Mach-O bundle nor a shared object: it starts with " + inQuotes(start));
+    throw ImageError(file, "neither a Mach-O bundle nor a shared object: it starts with " +
+                               inQuotes(start));
 }
 
 } // namespace host

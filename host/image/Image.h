@@ -20,6 +20,8 @@ namespace host {
 class ImageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
+    ImageError(const std::filesystem::path &file, const std::string &what)
+        : std::runtime_error(file.string() + ": " + what) {}
 };
 
 enum class ImageFormat { machO, elf };

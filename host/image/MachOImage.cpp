@@ -12,7 +12,8 @@ public:
         : image_(std::move(image)), path_(std::move(path)) {
         entry_ = reinterpret_cast<EntryPoint>(image_.exportedSymbol(entryPointName));
         if (entry_ == nullptr)
-            throw ImageError(path_.string() + ": no plug-in: it does not export " + entryPointName);
+            throw ImageError(path_,
+                             std::string("no plug-in: it does not export ") + entryPointName);
         image_.forEachSymbol([this](std::string_view name, void *address) {
             symbols_.push_back({std::string(name), address});
         });

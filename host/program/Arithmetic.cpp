@@ -131,12 +131,6 @@ bool areOrdered(const Value &left, const Value &right) {
            (std::holds_alternative<StringRef>(left) && std::holds_alternative<StringRef>(right));
 }
 
-/// What is not a number has no order.
-bool isNotANumber(const Value &value) {
-    const auto *real = std::get_if<double>(&value);
-    return real != nullptr && std::isnan(*real);
-}
-
 Value ordered(Operator op, const Value &left, const Value &right) {
     if (!areOrdered(left, right))
         notTaken(op, left, right);

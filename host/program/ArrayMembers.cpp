@@ -9,7 +9,6 @@
 #include "host/program/Types.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace host::program {
@@ -52,10 +51,6 @@ Value indexOf(ArrayData &array, const Values &arguments) {
         return isEqual(looked(array, element), wanted);
     });
     return found == array.elements.end() ? -1 : static_cast<int>(found - array.elements.begin());
-}
-
-bool isNotANumber(const Value &value) {
-    return isNumber(value) && std::isnan(realOf(value));
 }
 
 /// Numbers or strings; what is not a number stands last.

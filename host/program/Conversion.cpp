@@ -106,6 +106,11 @@ long double realOf(const Value &number) {
     return real != nullptr ? *real : static_cast<long double>(wideOf(number));
 }
 
+bool isNotANumber(const Value &plain) {
+    const auto *real = std::get_if<double>(&plain);
+    return real != nullptr && std::isnan(*real);
+}
+
 Value integerOf(Wide number, const Type &type) {
     const bool fitting = type.kind == TypeKind::int32    ? holds<std::int32_t>(number)
                          : type.kind == TypeKind::uint32 ? holds<std::uint32_t>(number)

@@ -30,6 +30,8 @@ bool isInteger(const Value &plain);
 bool isNumber(const Value &plain);
 Wide wideOf(const Value &integer);
 long double realOf(const Value &number);
+/// The Double that has no order.
+bool isNotANumber(const Value &plain);
 /// Raises UnsupportedOperationException when it does not fit.
 Value integerOf(Wide number, const Type &type);
 
