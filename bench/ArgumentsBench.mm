@@ -1,8 +1,8 @@
 #include "ArgumentsBench.h"
 
-#import <Foundation/Foundation.h>
+#include "System.h"
 
-#include <malloc.h>
+#import <Foundation/Foundation.h>
 
 /// Stands behind an instance, with a command line of any length.
 @interface LongCommandLine : NSObject {
@@ -95,8 +95,8 @@ std::vector<Ratio> registerArguments(host::Host &host) {
 std::ptrdiff_t keptAfterArguments(host::Host &host) {
     const Scene scene(host, 100'000);
     scene.makeAndRelease(); // what the platform and the host allocate once
-    const auto before = static_cast<std::ptrdiff_t>(mallinfo2().uordblks);
+    const auto before = allocatedBytes();
     for (int i = 0; i < 10; ++i)
         scene.makeAndRelease();
-    return static_cast<std::ptrdiff_t>(mallinfo2().uordblks) - before;
+    return allocatedBytes() - before;
 }

@@ -2,12 +2,11 @@
 
 #include "ImageSymbol.h"
 #include "LightHost.h"
+#include "System.h"
 
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CoreFoundation.h>
-
-#include <malloc.h>
 
 @interface FirstGeneration : NSObject
 @end
@@ -141,7 +140,7 @@ void writeJson(State &state, NSObject *object) {
     for (auto _ : state) {
         NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
         benchmark::DoNotOptimize([NSJSONSerialization dataWithJSONObject:object
-                                                                 options:0
+                                                                 options:NSJSONWritingOptions(0)
                                                                    error:nullptr]);
         [pool release];
     }
@@ -250,7 +249,7 @@ std::ptrdiff_t keptAfterConversions(const host::Image &image) {
     };
     constexpr int million = 100'000; // rounds of ten
     convertAll(million / 100);       // what the platform and the host allocate once
-    const auto before = static_cast<std::ptrdiff_t>(mallinfo2().uordblks);
+    const auto before = allocatedBytes();
     convertAll(million);
-    return static_cast<std::ptrdiff_t>(mallinfo2().uordblks) - before;
+    return allocatedBytes() - before;
 }

@@ -1,10 +1,10 @@
 #include "GetterBench.h"
 
+#include "System.h"
+
 #import <Foundation/Foundation.h>
 
 #include <CoreFoundation/CoreFoundation.h>
-
-#include <objc/message.h>
 
 #include <array>
 #include <cstring>
@@ -21,8 +21,6 @@
 }
 @end
 
-extern "C" void machoMessageSend(); // the loader's objc_msgSend
-
 using benchmark::DoNotOptimize;
 using benchmark::RegisterBenchmark;
 using benchmark::State;
@@ -30,36 +28,6 @@ using benchmark::State;
 namespace {
 
 using Getter = std::uint64_t(host::ObjectHandle, std::intptr_t);
-using Sender = std::uint64_t(const id *field, SEL first, SEL second);
-
-struct MachO {
-    static id send(id object, SEL selector) {
-        return reinterpret_cast<id (*)(id, SEL)>(machoMessageSend)(object, selector);
-    }
-};
-
-struct Elf {
-    static id send(id object, SEL selector) {
-        return reinterpret_cast<id (*)(id, SEL)>(objc_msg_lookup(object, selector))(object,
-                                                                                    selector);
-    }
-};
-
-// The answer is used here, as a getter uses it: no jump into the method in place of a call.
-std::uint64_t used(id answer) {
-    DoNotOptimize(answer);
-    return reinterpret_cast<std::uint64_t>(answer);
-}
-
-template <class Image>
-std::uint64_t sendOnce(const id *field, SEL selector, SEL) {
-    return used(Image::send(*field, selector));
-}
-
-template <class Image>
-std::uint64_t sendTwice(const id *field, SEL first, SEL second) {
-    return used(Image::send(Image::send(*field, first), second));
-}
 
 struct Scalar {
     const char *name;
@@ -81,9 +49,8 @@ Ratio registerScalar(host::Host &host, host::ImageFormat format, const Scalar &p
     const bool isMachO = format == host::ImageFormat::machO;
     const host::ObjectRef instance = host.callShared("NSProcessInfoZKT", "processInfo").object();
     auto *getter = reinterpret_cast<Getter *>(host.getterOf("NSProcessInfoZKT", property.name));
-    Sender *sender = property.secondSelector == nullptr
-                         ? (isMachO ? sendOnce<MachO> : sendOnce<Elf>)
-                         : (isMachO ? sendTwice<MachO> : sendTwice<Elf>);
+    const Sends sends = sendsOf(format);
+    Sender *sender = property.secondSelector == nullptr ? sends.one : sends.two;
 
     RegisterBenchmark(getterName.c_str(), [=](State &state) {
         for (auto _ : state)
@@ -114,7 +81,7 @@ void registerBareString(host::Host &host, host::ImageFormat format) {
     auto *setEncoding =
         service<void(host::StringHandle, std::uint32_t)>(host, "REALSetStringEncoding");
     auto *unlock = service<void(host::StringHandle)>(host, "REALUnlockString");
-    const auto send = format == host::ImageFormat::machO ? MachO::send : Elf::send;
+    const auto send = sendsOf(format).message;
     RegisterBenchmark("string of 40 characters: sends and services alone", [=](State &state) {
         FixedName *object = [[FixedName alloc] init];
         for (auto _ : state) {
@@ -159,7 +126,7 @@ void sendByLibffi(State &state) {
     void *arguments[] = {&object, static_cast<void *>(&selector)};
     for (auto _ : state) {
         ffi_arg result = 0;
-        ffi_call(&cif, FFI_FN(objc_msg_lookup(object, selector)), &result, arguments);
+        ffi_call(&cif, FFI_FN(calledFor(object, selector)), &result, arguments);
         DoNotOptimize(result);
     }
 }

@@ -9,6 +9,10 @@
 #include <iterator>
 #include <unistd.h>
 
+// Not every unistd.h declares it.
+// NOLINTNEXTLINE(readability-redundant-declaration)
+extern "C" char **environ;
+
 int BenchmarkProgram::run(int argc, char **argv, const char *description, const Measure &measure) {
     host::startFoundation(argc, argv, environ);
     const host::AutoreleasePool pool;

@@ -9,7 +9,7 @@ bool RatioReporter::ReportContext(const Context &) {
 
 void RatioReporter::ReportRuns(const std::vector<Run> &runs) {
     for (const Run &run : runs) {
-        if (run.run_type != Run::RT_Iteration || run.error_occurred)
+        if (run.run_type != Run::RT_Iteration)
             continue;
         std::vector<double> &times = times_[run.run_name.function_name];
         if (times.empty())

@@ -18,4 +18,7 @@ add_library(md4c_html STATIC EXCLUDE_FROM_ALL
 target_include_directories(md4c_html SYSTEM PUBLIC ${md4c})
 set(LIBMD4C_HTML md4c_html)
 
+set(BENCHMARK_ENABLE_TESTING OFF)
+set(BENCHMARK_ENABLE_INSTALL OFF)
+add_subdirectory(${sources}/google-benchmark ${CMAKE_BINARY_DIR}/benchmark EXCLUDE_FROM_ALL SYSTEM)
 add_subdirectory(${sources}/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)

@@ -48,7 +48,7 @@ sources() {
 need_packages() {
     need_tools
     brewed cmake ninja cli11 nlohmann-json icu4c
-    sources googletest md4c
+    sources google-benchmark googletest md4c
 }
 
 need_lint_packages() {

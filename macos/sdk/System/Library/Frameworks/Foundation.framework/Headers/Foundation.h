@@ -21,6 +21,7 @@
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSIndexSet.h>
 #include <Foundation/NSInvocation.h>
+#include <Foundation/NSJSONSerialization.h>
 #include <Foundation/NSKeyValueObserving.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSObject.h>

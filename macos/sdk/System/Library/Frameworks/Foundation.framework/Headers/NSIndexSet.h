@@ -9,6 +9,7 @@
 
 OBJC_VISIBLE
 @interface NSIndexSet : NSObject <NSCopying, NSMutableCopying>
++ (instancetype)indexSet;
 + (instancetype)indexSetWithIndex:(NSUInteger)index;
 @end
 

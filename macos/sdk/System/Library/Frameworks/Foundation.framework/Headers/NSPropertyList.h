@@ -20,6 +20,11 @@ OBJC_VISIBLE
                             options:(NSUInteger)options
                              format:(nullable NSPropertyListFormat *)format
                               error:(NSError *_Nullable *_Nullable)error;
+/// Null, and why in *error, for an object that property lists cannot hold.
++ (nullable NSData *)dataWithPropertyList:(id)propertyList
+                                   format:(NSPropertyListFormat)format
+                                  options:(NSUInteger)options
+                                    error:(NSError *_Nullable *_Nullable)error;
 @end
 
 #pragma clang assume_nonnull end

@@ -28,11 +28,17 @@ OBJC_VISIBLE
                                  ... __attribute__((format(__NSString__, 1, 2)));
 + (instancetype)stringWithString:(NSString *)string;
 - (instancetype)initWithUTF8String:(const char *)text;
+- (instancetype)initWithFormat:(NSString *)format,
+                               ... __attribute__((format(__NSString__, 1, 2)));
 - (void)getCharacters:(unichar *)buffer;
 - (BOOL)hasPrefix:(NSString *)prefix;
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding; // 0: has no such form
 - (nullable NSData *)dataUsingEncoding:(NSStringEncoding)encoding;
 - (NSString *)stringByAppendingString:(NSString *)string;
+/// Cut, or continued by the padding from that index on, over and over.
+- (NSString *)stringByPaddingToLength:(NSUInteger)length
+                           withString:(NSString *)padding
+                      startingAtIndex:(NSUInteger)index;
 @end
 
 OBJC_VISIBLE
