@@ -12,8 +12,8 @@
 /// Bytes that this process has allocated and not freed.
 std::ptrdiff_t allocatedBytes();
 
-/// Sends the first message to the object in the field, and the second one to its answer; a sender of
-/// one message takes no notice of the second.
+/// Sends the first message to the object in the field, and the second one to its answer; a sender
+/// of one message takes no notice of the second.
 using Sender = std::uint64_t(const id *field, SEL first, SEL second);
 
 /// How compiled code in an image of some format sends.

@@ -154,7 +154,7 @@ TEST(Image, MayHaveASlashBehindTheBundlesName) {
 TEST(Image, MayHaveANameThatIsNoUtf8) {
     const Folder folder;
     const fs::path image = folder.path() / "pl\xFCg.so";
-    fs::copy_file(linuxImage().path, image);
+    fs::copy_file(macosImage().executable, image);
     expectSuccess(zkthost({"describe"}, image));
     fs::remove(image);
     expectBadInput(zkthost({"describe"}, image), "pl\xEF\xBF\xBDg.so: no such file");
@@ -167,8 +167,10 @@ TEST(Image, MayHaveBlanksAndOtherLettersInItsName) {
     const fs::path bundle = place / macosImage().path.filename();
     fs::copy(macosImage().path, bundle, fs::copy_options::recursive);
     expectSuccess(zkthost({"report"}, bundle));
-    fs::copy_file(linuxImage().path, place / "plug in.so");
-    expectSuccess(zkthost({"report"}, place / "plug in.so"));
+    for (const ImageFile &image : images()) {
+        fs::copy_file(image.executable, place / "plug in", fs::copy_options::overwrite_existing);
+        expectSuccess(zkthost({"report"}, place / "plug in"));
+    }
 }
 
 TEST(Surroundings, OfBytesThatAreNotTextAreNoObstacle) {

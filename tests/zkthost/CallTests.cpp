@@ -39,7 +39,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(, Call, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, Call, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 } // namespace

@@ -51,7 +51,7 @@ protected:
     Folder folder;
 };
 
-INSTANTIATE_TEST_SUITE_P(, Convert, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, Convert, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 std::string xml(std::string_view body) {

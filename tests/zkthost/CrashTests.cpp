@@ -119,7 +119,7 @@ namespace {
 
 class ReportOfACrash : public testing::TestWithParam<ImageFile> {};
 
-INSTANTIATE_TEST_SUITE_P(, ReportOfACrash, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, ReportOfACrash, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 } // namespace

@@ -76,7 +76,7 @@ std::string nameOf(const fs::path &program) {
 class Example : public testing::TestWithParam<std::tuple<ImageFile, fs::path>> {};
 
 INSTANTIATE_TEST_SUITE_P(, Example,
-                         testing::Combine(testing::Values(macosImage(), linuxImage()),
+                         testing::Combine(testing::ValuesIn(images()),
                                           testing::ValuesIn(programs())),
                          [](const auto &parameter) {
                              return std::string(std::get<0>(parameter.param).name) + "_" +

@@ -18,7 +18,7 @@ protected:
     const std::filesystem::path &image = GetParam().path;
 };
 
-INSTANTIATE_TEST_SUITE_P(, CommandLine, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, CommandLine, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 /// Reports and descriptions of two runs, without what differs from process to process.
@@ -176,7 +176,7 @@ INSTANTIATE_TEST_SUITE_P(
 } // namespace
 
 TEST_P(Refusal, IsOneMessageThatNamesTheCause) {
-    for (const ImageFile &image : {macosImage(), linuxImage()}) {
+    for (const ImageFile &image : images()) {
         auto arguments = GetParam().arguments;
         arguments.insert(arguments.begin(), {"--image", image.path});
         expectBadInput(zkthost(arguments), GetParam().mentioned);
@@ -201,13 +201,11 @@ std::vector<std::string> services() {
     return names;
 }
 
-INSTANTIATE_TEST_SUITE_P(, HostWithout,
-                         testing::Combine(testing::Values(macosImage(), linuxImage()),
-                                          testing::ValuesIn(services())),
-                         [](const auto &parameter) {
-                             return std::string(std::get<0>(parameter.param).name) + "_" +
-                                    std::get<1>(parameter.param);
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    , HostWithout, testing::Combine(testing::ValuesIn(images()), testing::ValuesIn(services())),
+    [](const auto &parameter) {
+        return std::string(std::get<0>(parameter.param).name) + "_" + std::get<1>(parameter.param);
+    });
 
 } // namespace
 

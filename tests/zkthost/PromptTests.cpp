@@ -1,5 +1,6 @@
 // zkthost run on a terminal.
 
+#include "Pty.h"
 #include "Zkthost.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +10,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <poll.h>
-#include <pty.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <thread>
@@ -87,7 +87,7 @@ private:
 
 class Prompt : public testing::TestWithParam<ImageFile> {};
 
-INSTANTIATE_TEST_SUITE_P(, Prompt, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, Prompt, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 } // namespace

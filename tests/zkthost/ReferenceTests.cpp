@@ -73,14 +73,15 @@ TEST(ReferenceFiles, AreWhatTheCommandPrints) {
     EXPECT_TRUE(printed("html") == readFile(documents / "reference.html"));
 }
 
-TEST(ReferenceFiles, AreTheSameForBothImages) {
-    for (const char *format : {"markdown", "html"}) {
-        const Finished run =
-            zkthost({"describe", "--format", format, "--words", (documents / "words").string()},
-                    linuxImage().path);
-        expectSuccess(run);
-        EXPECT_TRUE(run.out == printed(format)) << format;
-    }
+TEST(ReferenceFiles, AreTheSameForEveryImage) {
+    for (const ImageFile &image : images())
+        for (const char *format : {"markdown", "html"}) {
+            const Finished run =
+                zkthost({"describe", "--format", format, "--words", (documents / "words").string()},
+                        image.path);
+            expectSuccess(run);
+            EXPECT_TRUE(run.out == printed(format)) << image.name << ' ' << format;
+        }
 }
 
 TEST(ReferenceFiles, HaveEveryRowInOrder) {

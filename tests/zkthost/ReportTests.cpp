@@ -11,6 +11,10 @@
 #include <cstdlib>
 #include <unistd.h>
 
+// Not every unistd.h declares it.
+// NOLINTNEXTLINE(readability-redundant-declaration)
+extern "C" char **environ;
+
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -27,7 +31,7 @@ protected:
     Finished run = {};
 };
 
-INSTANTIATE_TEST_SUITE_P(, Report, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, Report, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 /// A row of one of the report's tables.
@@ -43,7 +47,7 @@ const Json &property(const Json &report, std::string_view name) {
 }
 
 std::string hostName() {
-    char name[HOST_NAME_MAX + 1] = {};
+    char name[_POSIX_HOST_NAME_MAX + 1] = {};
     gethostname(name, sizeof name);
     return name;
 }

@@ -41,7 +41,7 @@ protected:
     Folder folder;
 };
 
-INSTANTIATE_TEST_SUITE_P(, Run, testing::Values(macosImage(), linuxImage()),
+INSTANTIATE_TEST_SUITE_P(, Run, testing::ValuesIn(images()),
                          [](const auto &parameter) { return parameter.param.name; });
 
 } // namespace

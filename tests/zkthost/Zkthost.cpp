@@ -24,12 +24,6 @@ const ImageFile &macosImage() {
     return image;
 }
 
-const ImageFile &linuxImage() {
-    static const ImageFile image{
-        .name = "linux", .format = "ELF", .path = LINUX_OBJECT, .executable = LINUX_OBJECT};
-    return image;
-}
-
 Finished zkthost(const std::vector<std::string> &arguments) {
     return runProgram(ZKTHOST_PROGRAM, arguments);
 }

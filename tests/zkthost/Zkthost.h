@@ -19,7 +19,9 @@ struct ImageFile {
 void PrintTo(const ImageFile &image, std::ostream *stream);
 
 const ImageFile &macosImage();
-const ImageFile &linuxImage();
+const ImageFile &linuxImage(); // on Linux
+/// Those that this system runs.
+std::vector<ImageFile> images();
 
 /// Runs zkthost as a user does.
 Finished zkthost(const std::vector<std::string> &arguments);

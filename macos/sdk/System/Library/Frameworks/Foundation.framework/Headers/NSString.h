@@ -28,8 +28,7 @@ OBJC_VISIBLE
                                  ... __attribute__((format(__NSString__, 1, 2)));
 + (instancetype)stringWithString:(NSString *)string;
 - (instancetype)initWithUTF8String:(const char *)text;
-- (instancetype)initWithFormat:(NSString *)format,
-                               ... __attribute__((format(__NSString__, 1, 2)));
+- (instancetype)initWithFormat:(NSString *)format, ... __attribute__((format(__NSString__, 1, 2)));
 - (void)getCharacters:(unichar *)buffer;
 - (BOOL)hasPrefix:(NSString *)prefix;
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding; // 0: has no such form

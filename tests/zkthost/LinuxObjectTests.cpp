@@ -1,0 +1,19 @@
+#include "Imports.h"
+#include "Json.h"
+#include "Zkthost.h"
+
+TEST(DescribeOfTheLinuxObject, TellsItsFacts) {
+    const auto json = parsedJson(zkthost({"describe", "--format", "json"}, linuxImage().path).out);
+    const auto &image = member(json, "image");
+    for (const char *ofBundles : {"identifier", "version", "build"})
+        EXPECT_TRUE(member(image, ofBundles).is_null()) << ofBundles;
+    const auto &part = arrayMember(image, "parts").front();
+    EXPECT_EQ(stringMember(part, "kind"), "shared object");
+    for (const char *ofMacs : {"leastMacOS", "builtForMacOS", "signature"})
+        EXPECT_TRUE(member(part, ofMacs).is_null()) << ofMacs;
+    EXPECT_TRUE(arrayMember(libraryOf(part, "libc.so.6"), "imports").empty());
+    const auto &imports = arrayMember(part, "libraries").back();
+    EXPECT_TRUE(member(imports, "name").is_null());
+    EXPECT_EQ(weakness(imports, "CFRelease"), false);
+    EXPECT_EQ(weakness(imports, "NSProcessInfoThermalStateDidChangeNotification"), true);
+}

@@ -1,0 +1,5 @@
+#include "Zkthost.h"
+
+std::vector<ImageFile> images() {
+    return {macosImage()};
+}
