@@ -78,7 +78,7 @@ struct PluginMethodRecord {
     MethodFunction function{};
     MethodFunction secondFunction{};
     const char *declaration = nullptr; // without parentheses: no parameters
-    std::int64_t flags = 4;
+    std::int64_t flags{};
     std::array<std::int64_t, 2> unused{};
 };
 

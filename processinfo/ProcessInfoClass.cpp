@@ -80,7 +80,7 @@ constexpr PluginConstantRecord constants[] = {
 
 constinit PluginClassRecord processInfoClass{
     .name = "NSProcessInfoZKT",
-    .dataSize = 8, // the wrapped object
+    .dataSize = sizeof(void *), // the wrapped object
     .constructor = NSProcessInfoConstructor,
     .destructor = NSProcessInfoDestructor,
     .properties = properties,

@@ -4,7 +4,8 @@
 Each mutant is one edit of one source file. The Linux object is built from a copy of the tree, and the
 contract tests run on it, each in a process of its own, until one fails: first those that noticed
 earlier mutants of the same file, the nearest line's before others, then the others, the same folder's
-before others and fastest first. A mutant that no test notices survives. Mutants that no test can notice
+before others and fastest first. Where none fails, they run once more under AddressSanitizer and
+UndefinedBehaviorSanitizer. A mutant that no test notices survives. Mutants that no test can notice
 stand in equivalent.txt, with the reason, and are passed over. Each job has a copy and a build of its own.
 
 Outcomes are kept in build/mutate/outcomes. A later run starts with the tests that noticed something; with
@@ -27,6 +28,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 FOLDERS = ("frame", "bridge", "convert", "processinfo")
 TEST_TIMEOUT = 60  # seconds
+NOT_SANITIZED = "DoubleFault|(Message|Allocation)Matrix"  # too many cells to be tried again
 
 
 @dataclasses.dataclass(frozen=True)
@@ -254,6 +256,21 @@ def mutants(tables_only, pattern):
 # Building and testing ------------------------------------------------------------------------------
 
 
+def configure(source, build, *options):
+    # Without warnings: what a mutant leaves unused must not save it from the tests. And without debug
+    # information, which takes time.
+    flags = "-w -O2 -DNDEBUG"
+    subprocess.run(["cmake", "--preset", "linux", "-B", build, "-DBUILD_TESTING=OFF",
+                    "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_BUILD_TYPE=None",
+                    f"-DCMAKE_CXX_FLAGS={flags}", f"-DCMAKE_OBJCXX_FLAGS={flags}", *options],
+                   cwd=source, check=True, stdout=subprocess.DEVNULL)
+
+
+def compiles(build):
+    return subprocess.run(["ninja", "-j1", "-C", build, "NSProcessInfoZKT"],
+                          capture_output=True).returncode == 0
+
+
 class Workbench:
     """A copy of the tree with a build of its own, and the contract tests of the tree itself."""
 
@@ -263,6 +280,8 @@ class Workbench:
         self.build = folder / "linux"
         self.image = self.build / "NSProcessInfoZKT.so"
         self.tests = folder / "contract_tests"
+        self.sanitized_build = folder / "sanitized"
+        self.sanitized_tests = folder / "contract_tests_sanitized"
         self.order = folder / "order.txt"
 
     def prepare(self):
@@ -276,27 +295,20 @@ class Workbench:
                 shutil.copy(ROOT / name, self.source / name)
         # A copy, so that the tree can be built meanwhile.
         shutil.copy2(ROOT / "build/linux/tests/contract/contract_tests", self.tests)
-        # Without warnings: what a mutant leaves unused must not save it from the tests. And without
-        # debug information, which takes time.
-        flags = "-w -O2 -DNDEBUG"
-        subprocess.run(["cmake", "--preset", "linux", "-B", self.build, "-DBUILD_TESTING=OFF",
-                        "-DBUILD_BENCHMARKS=OFF", "-DCMAKE_BUILD_TYPE=None",
-                        f"-DCMAKE_CXX_FLAGS={flags}", f"-DCMAKE_OBJCXX_FLAGS={flags}"],
-                       cwd=self.source, check=True, stdout=subprocess.DEVNULL)
-        if not self.compiles():
+        shutil.copy2(ROOT / "build/linux/sanitized/contract_tests", self.sanitized_tests)
+        configure(self.source, self.build)
+        if not compiles(self.build):
             sys.exit("mutate: the unchanged plug-in does not build")
-
-    def compiles(self):
-        return subprocess.run(["ninja", "-j1", "-C", self.build, "NSProcessInfoZKT"],
-                              capture_output=True).returncode == 0
 
     def apply(self, path, text):
         (self.source / path).write_text(text)
 
-    def run(self, *options):
+    def run(self, *options, sanitized=False):
         """Runs contract tests, each in a process of its own; gives the names of those that fail."""
+        tests, image = ((self.sanitized_tests, self.sanitized_build / self.image.name) if sanitized
+                        else (self.tests, self.image))
         output = subprocess.run(
-            [self.tests, "--isolate", f"--image={self.image}", f"--seconds-per-test={TEST_TIMEOUT}",
+            [tests, "--isolate", f"--image={image}", f"--seconds-per-test={TEST_TIMEOUT}",
              *options], capture_output=True).stdout.decode(errors="replace")
         failed = re.findall(r"^FAILED (\S+) (?:died|ended|did not end)", output, flags=re.M)
         if not failed and not re.search(r"^contract tests of .* 0 failed", output, flags=re.M):
@@ -307,6 +319,15 @@ class Workbench:
         """The first of these tests that fails, or None."""
         self.order.write_text("".join(name + "\n" for name in names))
         failed = self.run(f"--order={self.order}", "--jobs=1", "--stop-at-first-failure")
+        return failed[0] if failed else None
+
+    def first_failing_sanitized(self):
+        """The same, in the same order, under the sanitizers: for what reads or writes where it must not."""
+        configure(self.source, self.sanitized_build, "-DSANITIZE=ON")
+        if not compiles(self.sanitized_build):
+            sys.exit("mutate: the plug-in does not build under the sanitizers")
+        failed = self.run(f"--order={self.order}", "--jobs=1", "--stop-at-first-failure", "--few-faults",
+                          f"--except={NOT_SANITIZED}", sanitized=True)
         return failed[0] if failed else None
 
     def folders(self):
@@ -333,7 +354,8 @@ class Workbench:
         return {name: float(seconds) for seconds, name in lines}
 
 
-NOTICED, REJECTED, SURVIVED = "noticed by ", "does not compile", "SURVIVED"
+NOTICED, SANITIZED = "noticed by ", ", sanitized"
+REJECTED, SURVIVED = "does not compile", "SURVIVED"
 
 
 class Outcomes:
@@ -356,7 +378,8 @@ class Outcomes:
     def holds(self, mutant, tests):
         """The outcome, if it can be taken over."""
         outcome = self.lines.get(mutant.key, ("", 0, ""))[2]
-        return outcome if outcome == REJECTED or outcome.removeprefix(NOTICED) in tests else None
+        test = outcome.removeprefix(NOTICED).removesuffix(SANITIZED)
+        return outcome if outcome == REJECTED or test in tests else None
 
     def add(self, mutant, outcome):
         with self.file.open("a") as file:
@@ -423,11 +446,12 @@ class Score:
 def outcome_of(bench, mutant, order):
     bench.apply(mutant.path, mutant.text)
     try:
-        if not bench.compiles():
+        if not compiles(bench.build):
             return REJECTED
         name = bench.first_failing(order.of(mutant))
         if name is None:
-            return SURVIVED
+            name = bench.first_failing_sanitized()
+            return SURVIVED if name is None else NOTICED + name + SANITIZED
         order.noticed(mutant.path, mutant.line, name)
         return NOTICED + name
     finally:

@@ -56,6 +56,20 @@ TEST(HostStringWithout, LenBIsEmpty) {
     EXPECT_THAT(scene.host.calls(), Contains("CFStringCreateWithBytes(\"\", 0, 0x08000100, true)"));
 }
 
+// No bytes are all bytes of an empty string, wherever they are.
+TEST(HostStringWithout, BytesAndLenBIsEmpty) {
+    HostStringScene scene;
+    scene.handOutNoCFString();
+    scene.host.services().hide("StringGetCString");
+    scene.host.hideMethod("LenB(s as string) as integer");
+    for (const std::uint32_t encoding :
+         {host::encoding::utf8, host::encoding::utf16, host::encoding::unknown}) {
+        NSString *result = scene.convertBytes("abc", encoding);
+        ASSERT_NE(result, nil) << encoding;
+        EXPECT_EQ(unitsOf(result), u"");
+    }
+}
+
 namespace {
 
 enum class Place { bytes, methodLoading, length, creation };

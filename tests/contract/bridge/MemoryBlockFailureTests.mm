@@ -12,6 +12,7 @@
 #include <utility>
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
@@ -130,6 +131,42 @@ TEST_P(MemoryBlockStep, LetsACocoaExceptionPass) {
     EXPECT_EQ(cocoaExceptionFrom([this] { convert(); }), "Refused: way");
     EXPECT_FALSE(scene.host.hasPendingException());
     expectNothingLeft();
+}
+
+namespace {
+
+// What could not be released, and nothing else.
+void expectLeaked(MemoryBlockScene &scene, const char *leak) {
+    scene.host.shutDown();
+    EXPECT_THAT(scene.host.violations(), ElementsAre(leak));
+}
+
+} // namespace
+
+// A block that cannot be used is released before the shortage is told: what fails then is not
+// dropped.
+TEST(MemoryBlockFailure, ToReleaseABlockWithoutADataPointerPasses) {
+    MemoryBlockScene scene;
+    scene.host.services().replace("REALLoadObjectMethod", loadNoPointer);
+    int released = 0;
+    scene.host.services().fail("REALUnlockObject", [&] {
+        if (++released == 2) // behind the scratch block that the method is looked up with
+            throwOf(Thrown::standard);
+    });
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(5); }), "on the way");
+    EXPECT_FALSE(scene.host.hasPendingException());
+    expectLeaked(scene,
+                 "MemoryBlock#1 leaked, 1 reference never released (made by newMemoryBlock)");
+}
+
+TEST(MemoryBlockFailure, ToReleaseALargeBlockWithoutAConstructorPasses) {
+    MemoryBlockScene scene;
+    scene.host.services().answerNull("REALLoadObjectMethod");
+    scene.host.services().fail("REALUnlockObject", [] { throwOf(Thrown::standard); });
+    EXPECT_EQ(standardExceptionFrom([&] { scene.convertSize(leastLargeSize); }), "on the way");
+    EXPECT_FALSE(scene.host.hasPendingException());
+    expectLeaked(scene,
+                 "MemoryBlock#1 leaked, 1 reference never released (made by PluginNewInstance)");
 }
 
 INSTANTIATE_TEST_SUITE_P(, MemoryBlockStep, testing::Values(Step::method, Step::size),

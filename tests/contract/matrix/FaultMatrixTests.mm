@@ -1,5 +1,6 @@
 // Every operation with every host service in every state.
 
+#include "CoreFoundationCalls.h"
 #import "FaultMatrixScene.h"
 
 #include "host/core/PluginRecords.h"
@@ -130,18 +131,26 @@ TEST_P(FaultMatrix, HarmsNoLaterRun) {
 // A reference that cannot be given back is trouble, whichever it is: it shows as an exception that
 // leaves the operation, or in the host.
 TEST_P(FaultMatrix, DropsNoFailureToRelease) {
-    const auto outcome = [&](std::string_view service, int failing) -> std::string {
+    constexpr std::string_view ofCoreFoundation = "CFRelease";
+    const auto outcome = [&](std::string_view release, int failing) -> std::string {
         // These live longer than the operation: the host still releases when it shuts down.
         int calls = 0;
         bool failed = false;
         bool over = false;
-        scene.host.services().fail(service, [&] {
+        const auto fail = [&] {
             if (++calls != failing || over)
                 return;
             failed = true;
             throwOf(Fault::outOfRange);
-        });
+        };
+        if (release != ofCoreFoundation)
+            scene.host.services().fail(release, fail);
         const Act failingOnce{[&] {
+            const CoreFoundationCalls calls(scene.image, [&](std::string_view function) {
+                if (function == release)
+                    fail();
+                return true;
+            });
             std::string value = act.run();
             over = true;
             return value;
@@ -154,13 +163,14 @@ TEST_P(FaultMatrix, DropsNoFailureToRelease) {
         return shows ? "shows" : after.text();
     };
     int cells = 0;
-    for (const std::string_view service : {"REALUnlockObject", "REALUnlockString"})
+    for (const std::string_view release : {std::string_view("REALUnlockObject"),
+                                           std::string_view("REALUnlockString"), ofCoreFoundation})
         for (int failing = 1;; ++failing) {
-            const std::string seen = inChild([&] { return outcome(service, failing); });
+            const std::string seen = inChild([&] { return outcome(release, failing); });
             if (seen == "not called")
                 break;
             ++cells;
-            EXPECT_EQ(seen, "shows") << operation.name << ", call " << failing << " of " << service;
+            EXPECT_EQ(seen, "shows") << operation.name << ", call " << failing << " of " << release;
         }
     printCells(cells);
 }
