@@ -21,8 +21,9 @@ else()
     target_link_options(NSProcessInfoZKT PRIVATE
         -Wl,--version-script=${CMAKE_SOURCE_DIR}/bundle/linux.map)
     if(COVERAGE)
+        # Counters lie in the file itself then, and are kept however a process ends.
         target_compile_options(NSProcessInfoZKT PRIVATE
-            -fprofile-instr-generate -fcoverage-mapping)
+            -fprofile-instr-generate -fcoverage-mapping -mllvm -runtime-counter-relocation)
         target_link_options(NSProcessInfoZKT PRIVATE -fprofile-instr-generate)
     endif()
     set_target_properties(NSProcessInfoZKT PROPERTIES

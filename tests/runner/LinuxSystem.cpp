@@ -7,11 +7,9 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-// Of the runtimes of coverage and LeakSanitizer, where the program has them.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" [[gnu::weak]] int __llvm_profile_write_file();
+// LeakSanitizer's, where the program has it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" [[gnu::weak]] void __lsan_do_leak_check();
-// NOLINTEND(bugprone-reserved-identifier)
 
 int anonymousFile(const char *name) {
     return memfd_create(name, MFD_CLOEXEC);
@@ -24,8 +22,6 @@ void endWithParent() {
 void endNow(int status) {
     std::fflush(nullptr);
     std::cout.flush();
-    if (__llvm_profile_write_file != nullptr)
-        __llvm_profile_write_file();
     if (__lsan_do_leak_check != nullptr)
         __lsan_do_leak_check(); // where it finds a leak it ends the process
     _exit(status);

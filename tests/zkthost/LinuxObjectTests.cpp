@@ -2,6 +2,8 @@
 #include "Json.h"
 #include "Zkthost.h"
 
+#include <gtest/gtest.h>
+
 TEST(DescribeOfTheLinuxObject, TellsItsFacts) {
     const auto json = parsedJson(zkthost({"describe", "--format", "json"}, linuxImage().path).out);
     const auto &image = member(json, "image");
