@@ -3,6 +3,7 @@
 # dev.d/macos.sh says the same for a Mac.
 
 host=linux # the preset of the reference host, and the folder of its build
+images=(build/linux/NSProcessInfoZKT.so build/macos/NSProcessInfoZKT.bundle)
 
 processors() { nproc; }
 

@@ -6,6 +6,7 @@
 # arm64: only headers and programs come from them, and libraries are built from their sources.
 
 host=macos-host # the preset of the reference host, and the folder of its build
+images=(build/macos/NSProcessInfoZKT.bundle)
 lint_build=build/lint
 
 processors() { getconf _NPROCESSORS_ONLN; }

@@ -1,7 +1,7 @@
 // zkthost describe: the facts of the file and the classes as the plug-in registers them, in each
 // format.
 
-#include "Imports.h"
+#include "Descriptions.h"
 #include "Json.h"
 #include "Zkthost.h"
 #include "tests/ExpectedClasses.h"
@@ -14,18 +14,6 @@
 using testing::ElementsAreArray;
 
 namespace {
-
-/// Text or Markdown without the facts before the classes and the imports behind them.
-std::string classesOf(const std::string &text) {
-    const std::size_t heading = text.find("\n\n# NSProcessInfoZKT\n");
-    const std::size_t start =
-        heading != std::string::npos ? heading : text.find("\n\nNSProcessInfoZKT\n");
-    if (start == std::string::npos)
-        throw std::runtime_error("no classes in: " + text);
-    const std::size_t end =
-        std::min(text.find("\nImports for ", start), text.find("\n# Imports for ", start));
-    return text.substr(start + 2, end - start - 2);
-}
 
 class Describe : public testing::TestWithParam<ImageFile> {
 protected:
@@ -193,15 +181,6 @@ TEST_P(Describe, AsJsonHasEveryRecord) {
     expectMethods(activity, "methods", expectedActivityMethods);
     expectMethods(activity, "sharedMethods", {});
     EXPECT_TRUE(arrayMember(activity, "constants").empty());
-}
-
-TEST_P(Describe, HasTheClassesOfTheShippedBundle) {
-    for (const char *format : {"text", "markdown"})
-        EXPECT_EQ(classes(format),
-                  classesOf(zkthost({"describe", "--format", format}, macosImage().path).out));
-    EXPECT_EQ(member(parsedJson(described("json")), "classes"),
-              member(parsedJson(zkthost({"describe", "--format", "json"}, macosImage().path).out),
-                     "classes"));
 }
 
 TEST_P(Describe, TellsWhatTheFileIs) {

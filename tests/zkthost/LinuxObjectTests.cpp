@@ -1,8 +1,19 @@
-#include "Imports.h"
+#include "Descriptions.h"
 #include "Json.h"
 #include "Zkthost.h"
 
 #include <gtest/gtest.h>
+
+TEST(DescribeOfTheLinuxObject, HasTheClassesOfTheBundle) {
+    const auto described = [](const char *format, const ImageFile &image) {
+        return zkthost({"describe", "--format", format}, image.path).out;
+    };
+    for (const char *format : {"text", "markdown"})
+        EXPECT_EQ(classesOf(described(format, linuxImage())),
+                  classesOf(described(format, macosImage())));
+    EXPECT_EQ(member(parsedJson(described("json", linuxImage())), "classes"),
+              member(parsedJson(described("json", macosImage())), "classes"));
+}
 
 TEST(DescribeOfTheLinuxObject, TellsItsFacts) {
     const auto json = parsedJson(zkthost({"describe", "--format", "json"}, linuxImage().path).out);
