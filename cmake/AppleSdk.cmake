@@ -120,7 +120,10 @@ function(apple_sdk_assemble output)
     set(sdk "${scratch}/sdk")
     file(MAKE_DIRECTORY "${sdk}/usr/lib")
     file(RENAME "${package}/include/any-darwin-any" "${sdk}/usr/include")
-    file(RENAME "${package}/darwin/libSystem.tbd" "${sdk}/usr/lib/libSystem.tbd")
+    # It lists what arm64 has as arm64e's, the system's own variant: programs are arm64.
+    file(READ "${package}/darwin/libSystem.tbd" system)
+    string(REPLACE "arm64e-macos" "arm64-macos, arm64e-macos" system "${system}")
+    file(WRITE "${sdk}/usr/lib/libSystem.tbd" "${system}")
     file(REMOVE_RECURSE "${sdk}/usr/include/objc")
     file(COPY "${APPLE_SDK_PROJECT_DIR}/macos/sdk/" DESTINATION "${sdk}"
         PATTERN "CMakeLists.txt" EXCLUDE)

@@ -1,8 +1,10 @@
-# The Mach-O bundle, as it ships: without debug entries, with its licence and instructions inside,
+# One slice of the Mach-O bundle, as it ships: without debug entries, with its licence and instructions inside,
 # signed ad hoc. Its debug information lies beside it in NSProcessInfoZKT.bundle.dSYM.
 # The same sources, tools and SDK give the same bytes, wherever the checkout is.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
+# Of the bundle as a whole, whichever slice this is: both have the same property list.
+set(LEAST_MACOS 10.9)
 set(plist ${CMAKE_BINARY_DIR}/generated/Info.plist)
 configure_file(${CMAKE_SOURCE_DIR}/bundle/Info.plist.in ${plist} @ONLY)
 set_target_properties(NSProcessInfoZKT PROPERTIES
@@ -12,12 +14,15 @@ set_target_properties(NSProcessInfoZKT PROPERTIES
 
 target_compile_options(NSProcessInfoZKT PRIVATE
     "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions>"
+    # Messages stay messages; from macOS 10.15 on the compiler would call the runtime for some.
+    "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fno-objc-convert-messages-to-runtime-calls>"
     # No path of this machine: those of the checkout and of the SDK become relative.
     -ffile-compilation-dir=.
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
     -ffile-prefix-map=${CMAKE_OSX_SYSROOT}/=sdk/)
 target_link_options(NSProcessInfoZKT PRIVATE
     -Wl,-exported_symbol,_REALPluginMain
+    -Wl,-no_adhoc_codesign # below, with everything else in the bundle
     # Identifier and version can be read from the executable alone, too.
     -Wl,-sectcreate,__TEXT,__info_plist,${plist}
     -Wl,-oso_prefix,${CMAKE_BINARY_DIR}/)

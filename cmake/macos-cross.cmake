@@ -1,8 +1,11 @@
-# Toolchain file: the Mach-O bundle. On Linux clang and lld cross-build it against APPLE_SDK when
+# Toolchain file: a slice of the Mach-O bundle. On Linux clang and lld cross-build it against APPLE_SDK when
 # one is given, else against the SDK that cmake/AppleSdk.cmake assembles in build/sdk. On a Mac
 # Apple's own toolchain and SDK are used.
-set(CMAKE_OSX_DEPLOYMENT_TARGET 10.9 CACHE STRING "Oldest macOS that loads the bundle")
-set(CMAKE_OSX_ARCHITECTURES x86_64 CACHE STRING "The host's processor")
+set(CMAKE_OSX_ARCHITECTURES x86_64 CACHE STRING "The processor: x86_64 or arm64")
+set(least_x86_64 10.9)
+set(least_arm64 11.0) # the first that runs on arm64
+set(CMAKE_OSX_DEPLOYMENT_TARGET ${least_${CMAKE_OSX_ARCHITECTURES}} CACHE STRING
+    "Oldest macOS that loads what is built")
 if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Darwin")
     return()
 endif()
@@ -21,10 +24,11 @@ endif()
 
 include(${CMAKE_CURRENT_LIST_DIR}/NewestClang.cmake)
 set(CMAKE_SYSTEM_NAME Darwin)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_SYSTEM_PROCESSOR ${CMAKE_OSX_ARCHITECTURES})
 set(CMAKE_OSX_SYSROOT ${APPLE_SDK} CACHE PATH "SDK" FORCE)
 foreach(language C CXX OBJC OBJCXX)
-    set(CMAKE_${language}_COMPILER_TARGET x86_64-apple-macosx${CMAKE_OSX_DEPLOYMENT_TARGET})
+    set(CMAKE_${language}_COMPILER_TARGET
+        ${CMAKE_OSX_ARCHITECTURES}-apple-macosx${CMAKE_OSX_DEPLOYMENT_TARGET})
 endforeach()
 set(CMAKE_C_COMPILER ${CLANG_C})
 set(CMAKE_CXX_COMPILER ${CLANG_CXX})

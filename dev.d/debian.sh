@@ -68,7 +68,7 @@ need_packages() {
 
 gcc_version() {
     local version
-    version=$(find /usr/lib/gcc/x86_64-linux-gnu/*/ -maxdepth 0 2>/dev/null | sed 's/.*\/\([0-9]*\)\/$/\1/' | sort -rn | head -1)
+    version=$(find /usr/lib/gcc/"$(uname -m)"-linux-gnu/*/ -maxdepth 0 2>/dev/null | sed 's/.*\/\([0-9]*\)\/$/\1/' | sort -rn | head -1)
     [ -n "$version" ] || version=$(apt-cache depends g++ | sed -n 's/.*Depends: g++-\([0-9]*\)$/\1/p')
     echo "$version"
 }
@@ -86,8 +86,11 @@ make_sdk() {
     real_folder build/sdk
 }
 
-# configure_bundle SDK
-configure_bundle() { configure macos ${APPLE_SDK:+"-DAPPLE_SDK=$1"}; }
+# configure_slice PROCESSOR SDK
+configure_slice() { configure "macos-$1" ${APPLE_SDK:+"-DAPPLE_SDK=$2"}; }
+
+# The program that joins slices.
+lipo() { tool llvm-lipo; }
 
 configure_host() { configure linux; }
 

@@ -68,8 +68,11 @@ tool() { printf '%s\n' "$(brew --prefix llvm)/bin/$1"; }
 # The SDK that bundle and host are built against, where nobody names one.
 make_sdk() { real_folder "$(xcrun --sdk macosx --show-sdk-path)"; }
 
-# configure_bundle SDK. A compiler that is newer than ours may find more to warn of.
-configure_bundle() { configure macos "-DCMAKE_OSX_SYSROOT:PATH=$1" -DWARNINGS_AS_ERRORS=OFF; }
+# configure_slice PROCESSOR SDK. A compiler that is newer than ours may find more to warn of.
+configure_slice() { configure "macos-$1" "-DCMAKE_OSX_SYSROOT:PATH=$2" -DWARNINGS_AS_ERRORS=OFF; }
+
+# The program that joins slices.
+lipo() { xcrun --find lipo; }
 
 # mac_host OPTIONS...
 mac_host() {

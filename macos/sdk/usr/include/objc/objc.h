@@ -21,7 +21,12 @@ typedef struct objc_object *id;
 typedef struct objc_selector *SEL;
 typedef void (*IMP)(void);
 
-typedef signed char BOOL; // signed on 64-bit x86; never more than one byte
+// One byte: a number with a sign on 64-bit x86, the language's own on arm64.
+#ifdef __arm64__
+typedef bool BOOL;
+#else
+typedef signed char BOOL;
+#endif
 
 #ifdef __OBJC__
 #define YES __objc_yes

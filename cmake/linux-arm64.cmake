@@ -1,0 +1,20 @@
+# Toolchain file: Linux on arm64, built and, through an emulator, run on x86-64. The folder that stands
+# for such a machine's file system holds Debian's arm64 packages.
+include(${CMAKE_CURRENT_LIST_DIR}/linux-clang.cmake)
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+file(REAL_PATH ${CMAKE_CURRENT_LIST_DIR}/../build/arm64-root CMAKE_SYSROOT)
+if(NOT EXISTS ${CMAKE_SYSROOT}/usr/include)
+    message(FATAL_ERROR "There is no ${CMAKE_SYSROOT}; './dev test --arm64' unpacks it.")
+endif()
+foreach(language C CXX OBJC OBJCXX ASM)
+    set(CMAKE_${language}_COMPILER_TARGET aarch64-linux-gnu)
+    # As on every other system that this project runs on.
+    set(CMAKE_${language}_FLAGS_INIT -fsigned-char)
+endforeach()
+set(CMAKE_ASM_FLAGS_INIT "")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+foreach(kind LIBRARY INCLUDE PACKAGE)
+    set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
+endforeach()
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static;-L;${CMAKE_SYSROOT})
