@@ -45,11 +45,12 @@ REALobjectStruct *processInfo() {
     });
 }
 
+// macOS has the name since 10.10.3.
+#pragma weak NSProcessInfoThermalStateDidChangeNotification
+
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wunguarded-availability"
-#pragma clang diagnostic ignored "-Wtautological-pointer-compare" // built for newer systems only
 REALstringStruct *getNSProcessInfoThermalStateDidChangeNotification() {
-    // Linked weakly: macOS has the name since 10.10.3.
     if (&NSProcessInfoThermalStateDidChangeNotification == nullptr)
         return nullptr;
     return CFString2RBString((CFStringRef)NSProcessInfoThermalStateDidChangeNotification);

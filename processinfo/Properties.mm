@@ -9,6 +9,12 @@
 // Two of the messages are deprecated; what they answer is part of the class all the same.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
+/// One byte that passes as it is, with its sign. A BOOL is such a byte on x86-64 only: on arm64 it is
+/// the language's bool, and a compiler may make 1 of it.
+@protocol AutomaticTermination
+@property signed char automaticTerminationSupportEnabled;
+@end
+
 // A message to nil answers zero, nil or 0.0, which is what a property of an unbound instance reads:
 // only what must not be asked of nil is tested.
 namespace processinfo {
@@ -25,6 +31,10 @@ REALstringStruct *stringProperty(Send send) {
 template <class Send>
 std::int64_t integerProperty(Send send) {
     return trapCocoaExceptions<std::int64_t>(0, [&] { return static_cast<std::int64_t>(send()); });
+}
+
+id<AutomaticTermination> automaticTermination(REALobjectStruct *instance) {
+    return static_cast<id<AutomaticTermination>>(static_cast<id>(wrappedObject(instance)));
 }
 
 } // namespace
@@ -99,15 +109,14 @@ double systemUptime(REALobjectStruct *instance, std::intptr_t) {
 
 std::int32_t automaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t) {
     return trapCocoaExceptions<std::int32_t>(0, [&]() -> std::int32_t {
-        return static_cast<signed char>(
-            [wrappedObject(instance) automaticTerminationSupportEnabled]);
+        return [automaticTermination(instance) automaticTerminationSupportEnabled];
     });
 }
 
 void setAutomaticTerminationSupportEnabled(REALobjectStruct *instance, std::intptr_t,
                                            std::int8_t enabled) {
     trapCocoaExceptions(
-        [&] { [wrappedObject(instance) setAutomaticTerminationSupportEnabled:enabled]; });
+        [&] { [automaticTermination(instance) setAutomaticTerminationSupportEnabled:enabled]; });
 }
 
 } // namespace processinfo
