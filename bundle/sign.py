@@ -16,7 +16,8 @@ import plistlib
 import struct
 import sys
 
-PAGE = 4096
+PAGE = 4096  # of the hashes, whatever the processor's is
+ARM64 = 0x0100000C
 LC_SEGMENT_64 = 0x19
 LC_CODE_SIGNATURE = 0x1D
 
@@ -108,7 +109,7 @@ def aligned(size, to):
 
 def sign_executable(path, identifier, plist, resources):
     code = bytearray(path.read_bytes())
-    magic, _, _, _, count, commands_size = struct.unpack_from("<6I", code)
+    magic, processor, _, _, count, commands_size = struct.unpack_from("<6I", code)
     if magic != 0xFEEDFACF:
         sys.exit(f"sign.py: {path} is no 64-bit Mach-O file of one architecture")
     commands_end = 32 + commands_size
@@ -141,7 +142,7 @@ def sign_executable(path, identifier, plist, resources):
     struct.pack_into("<II", code, 16, count + 1, commands_size + 16)
     struct.pack_into("<4I", code, commands_end, LC_CODE_SIGNATURE, 16, len(code), size)
     length = len(code) + size - linkedit[1]
-    struct.pack_into("<Q", code, linkedit[0] + 32, aligned(length, PAGE))
+    struct.pack_into("<Q", code, linkedit[0] + 32, aligned(length, 0x4000 if processor == ARM64 else 0x1000))
     struct.pack_into("<Q", code, linkedit[0] + 48, length)
     path.write_bytes(code + signature(code, text, identifier, plist, resources).ljust(size, b"\0"))
 

@@ -120,8 +120,9 @@ function(apple_sdk_assemble output)
     set(sdk "${scratch}/sdk")
     file(MAKE_DIRECTORY "${sdk}/usr/lib")
     file(RENAME "${package}/include/any-darwin-any" "${sdk}/usr/include")
-    # It lists what arm64 has as arm64e's, the system's own variant: programs are arm64.
+    # Most of its libraries are listed for arm64e alone, the system's own variant: programs are arm64.
     file(READ "${package}/darwin/libSystem.tbd" system)
+    string(REPLACE "arm64-macos, " "" system "${system}")
     string(REPLACE "arm64e-macos" "arm64-macos, arm64e-macos" system "${system}")
     file(WRITE "${sdk}/usr/lib/libSystem.tbd" "${system}")
     file(REMOVE_RECURSE "${sdk}/usr/include/objc")

@@ -1,7 +1,17 @@
-# The bundle that ships: one export; only imports that macOS has, each bound to the library that
-# exports it; the thermal-state notification weakly, and nothing else so.
+# A slice of the bundle that ships, for PROCESSOR: what it is without the other one; one export; only
+# imports that macOS has, each bound to the library that exports it; the thermal-state notification
+# weakly, and nothing else so.
 include(${CMAKE_CURRENT_LIST_DIR}/Audit.cmake)
-set(executable ${BUNDLE}/Contents/MacOS/NSProcessInfoZKT)
+set(inside Contents/MacOS/NSProcessInfoZKT)
+set(executable ${SCRATCH}/slice.${PROCESSOR})
+output_of(ignored llvm-lipo -thin ${PROCESSOR} ${BUNDLE}/${inside} -output ${executable})
+
+file(SHA256 ${executable} joined)
+file(SHA256 ${SLICE_BUILD}/NSProcessInfoZKT.bundle/${inside} alone)
+expect_equal("the slice in the universal file" "${joined}" "${alone}")
+output_of(processors llvm-lipo -archs ${BUNDLE}/${inside})
+string(STRIP "${processors}" processors)
+expect_equal("processors" "${processors}" "x86_64 arm64")
 
 output_of(exports llvm-objdump --macho --exports-trie ${executable})
 string(REGEX MATCHALL "0x[0-9A-F]+ +[^ \n]+" exported "${exports}")
@@ -9,10 +19,15 @@ list(TRANSFORM exported REPLACE "^0x[0-9A-F]+ +" "")
 expect_equal("exports" "${exported}" "_REALPluginMain")
 
 # The C library and the dynamic linker export these everywhere.
-set(libSystem ___bzero ___stack_chk_fail ___stack_chk_guard __Unwind_Resume _calloc _dladdr _free _memcmp
+set(libSystem ___bzero _bzero ___stack_chk_fail ___stack_chk_guard __Unwind_Resume _calloc _dladdr _free _memcmp
     _memcpy
     _memset _pthread_self _snprintf _strcmp _strlen dyld_stub_binder)
 file(STRINGS ${IMPORTS} allowed REGEX "^[^#]")
+if(PROCESSOR STREQUAL "arm64")
+    list(FILTER allowed EXCLUDE REGEX " x86_64$")
+    list(REMOVE_ITEM libSystem ___bzero)
+endif()
+list(TRANSFORM allowed REPLACE " x86_64$" "")
 output_of(undefined llvm-nm -m --undefined-only ${executable})
 lines_of(undefined "${undefined}")
 set(weak "")
@@ -39,12 +54,16 @@ if(count LESS 20)
 endif()
 expect_equal("weak imports" "${weak}" "_NSProcessInfoThermalStateDidChangeNotification")
 
-output_of(header llvm-objdump --macho --private-headers ${executable})
-expect_match("header" "${header}" "MH_MAGIC_64 +X86_64 +[A-Z0-9]+ +0x[0-9A-F]+ +BUNDLE ")
 # The SDK that the build folder was configured with says its version.
-file(STRINGS ${BUNDLE}/../CMakeCache.txt sdk REGEX "^CMAKE_OSX_SYSROOT:" ENCODING UTF-8)
+file(STRINGS ${SLICE_BUILD}/CMakeCache.txt sdk REGEX "^CMAKE_OSX_SYSROOT:" ENCODING UTF-8)
 string(REGEX REPLACE "^[^=]*=" "" sdk "${sdk}")
 file(READ ${sdk}/SDKSettings.json settings)
 string(JSON version GET "${settings}" Version)
-expect_match("deployment target, SDK" "${header}" "LC_VERSION_MIN_MACOSX\n +cmdsize 16\n +version 10\\.9\n +sdk ${version}\n")
+set(kind_x86_64 "MH_MAGIC_64 +X86_64 +[A-Z0-9]+ +0x[0-9A-F]+ +BUNDLE ")
+set(kind_arm64 "MH_MAGIC_64 +ARM64 +ALL +0x[0-9A-F]+ +BUNDLE ")
+set(least_x86_64 "LC_VERSION_MIN_MACOSX\n +cmdsize 16\n +version 10\\.9\n +sdk ${version}\n")
+set(least_arm64 "LC_BUILD_VERSION\n +cmdsize 32\n +platform macos\n +sdk ${version}\n +minos 11\\.0\n")
+output_of(header llvm-objdump --macho --private-headers ${executable})
+expect_match("header" "${header}" "${kind_${PROCESSOR}}")
+expect_match("deployment target, SDK" "${header}" "${least_${PROCESSOR}}")
 expect_match("name space" "${header}" "TWOLEVEL")

@@ -20,6 +20,15 @@ def require(condition, problem):
         raise Refused(problem)
 
 
+def slices_of(file):
+    """Processor and bytes of each part of a universal file; of any other, the file."""
+    if file[:4] != b"\xca\xfe\xba\xbe":
+        return {struct.unpack("<I", file[4:8])[0]: file}
+    count, = struct.unpack(">I", file[4:8])
+    parts = [struct.unpack(">5I", file[8 + 20 * part:28 + 20 * part]) for part in range(count)]
+    return {processor: file[offset:offset + size] for processor, _, offset, size, _ in parts}
+
+
 def load_commands(code):
     magic, _, _, _, count, _, _, _ = struct.unpack("<8I", code[:32])
     require(magic == 0xFEEDFACF, "not a 64-bit Mach-O file")
@@ -101,19 +110,25 @@ def check_resources(contents, sealed):
         require(resources[kind], f"no {kind}")
 
 
+def check_slice(code, plist, resources):
+    """The code directories of one processor's part."""
+    signature, at = signature_of(code)
+    blobs = blobs_of(signature)
+    require(blobs.keys() == {0, 2, 0x1000, 0x10000}, f"slots {sorted(blobs)}")
+    directories = [CodeDirectory(blobs[slot]) for slot in (0, 0x1000)]
+    for directory in directories:
+        check_code_directory(directory, code, at, {1: plist, 2: blobs[2], 3: resources})
+    return directories
+
+
 def verify(bundle):
-    """The code directories of a bundle that is as it was signed; else Refused."""
+    """By processor, the code directories of a bundle that is as it was signed; else Refused."""
     contents = pathlib.Path(bundle) / "Contents"
     plist = (contents / "Info.plist").read_bytes()
     sealed = contents / "_CodeSignature" / "CodeResources"
     require(sealed.exists(), "no CodeResources")
-    code = (contents / "MacOS" / plistlib.loads(plist)["CFBundleExecutable"]).read_bytes()
-    signature, at = signature_of(code)
-    blobs = blobs_of(signature)
-    require(blobs.keys() == {0, 2, 0x1000, 0x10000}, f"slots {sorted(blobs)}")
-    special = {1: plist, 2: blobs[2], 3: sealed.read_bytes()}
-    directories = [CodeDirectory(blobs[slot]) for slot in (0, 0x1000)]
-    for directory in directories:
-        check_code_directory(directory, code, at, special)
-    check_resources(contents, special[3])
+    file = (contents / "MacOS" / plistlib.loads(plist)["CFBundleExecutable"]).read_bytes()
+    directories = {processor: check_slice(code, plist, sealed.read_bytes())
+                   for processor, code in slices_of(file).items()}
+    check_resources(contents, sealed.read_bytes())
     return directories

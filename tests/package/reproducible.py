@@ -1,7 +1,7 @@
 """Builds and packages a clean copy of the sources in another folder, in another time zone and with
 other permissions, and compares the archives with those of the bundle under test.
 
-    reproducible.py BUNDLE SOURCES
+    reproducible.py BUNDLE SOURCES LIPO
 """
 import os
 import pathlib
@@ -26,7 +26,7 @@ def sdk_of(build):
 
 
 def main(arguments):
-    bundle, sources = map(pathlib.Path, arguments)
+    bundle, sources, lipo = map(pathlib.Path, arguments)
     # Nothing compiled before may take the place of what is compiled here.
     environment = {key: value for key, value in os.environ.items() if not key.endswith("_COMPILER_LAUNCHER")}
     environment.update(SOURCE_DATE_EPOCH="1700000000", CCACHE_DISABLE="1")
@@ -41,8 +41,14 @@ def main(arguments):
         if (sources / "build/sdk.download").exists():
             (copy / "build/sdk.download").symlink_to(sources / "build/sdk.download")
         run("cmake", "-P", "cmake/AppleSdk.cmake", cwd=copy, env=elsewhere)
-        run("cmake", "--preset", "macos", *sdk_of(bundle.parent), cwd=copy, env=elsewhere)
-        run("cmake", "--build", "build/macos", cwd=copy, env=elsewhere)
+        slices = []
+        for processor in ("x86_64", "arm64"):
+            build = f"build/macos-{processor}"
+            run("cmake", "--preset", f"macos-{processor}", *sdk_of(sources / build), cwd=copy, env=elsewhere)
+            run("cmake", "--build", build, cwd=copy, env=elsewhere)
+            slices.append(f"{build}/{bundle.name}")
+        run(sys.executable, "bundle/universal.py", lipo, f"build/macos/{bundle.name}", *slices, cwd=copy,
+            env=elsewhere)
 
         made = []
         for root, built, variables in ((sources, bundle, environment),

@@ -1,6 +1,10 @@
 # Links a bundle that imports every name of TABLE and reads from it which library each is bound to.
 cmake_policy(VERSION 3.25)
 file(STRINGS ${TABLE} rows REGEX "^[^#]")
+if(COMPILE MATCHES "arm64-apple")
+    list(FILTER rows EXCLUDE REGEX " x86_64$")
+endif()
+list(TRANSFORM rows REPLACE " x86_64$" "")
 list(LENGTH rows count)
 set(source ".section __DATA,__data\n")
 foreach(row IN LISTS rows)

@@ -1,4 +1,4 @@
-// The platform's types have the sizes, alignments and signs that 64-bit x86 macOS gives them.
+// The platform's types have the sizes, alignments and signs that 64-bit macOS gives them.
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreServices/CoreServices.h>
@@ -13,7 +13,12 @@ namespace {
 template <typename Type, typename Same>
 constexpr bool is = std::is_same_v<Type, Same>;
 
+#if defined(__APPLE__) && defined(__arm64__)
+static_assert(is<BOOL, bool>);
+#else
 static_assert(is<BOOL, signed char>);
+#endif
+static_assert(sizeof(BOOL) == 1);
 static_assert(is<Boolean, unsigned char>);
 static_assert(is<NSInteger, long> && is<NSUInteger, unsigned long>);
 static_assert(is<CFIndex, long> && is<CFTypeID, unsigned long>);
