@@ -9,8 +9,8 @@
 // Two of the messages are deprecated; what they answer is part of the class all the same.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
-/// One byte that passes as it is, with its sign. A BOOL is such a byte on x86-64 only: on arm64 it is
-/// the language's bool, and a compiler may make 1 of it.
+/// One byte that passes as it is, with its sign. A BOOL is such a byte on x86-64 only: on arm64 it
+/// is the language's bool, and a compiler may make 1 of it.
 @protocol AutomaticTermination
 @property signed char automaticTerminationSupportEnabled;
 @end
