@@ -26,6 +26,13 @@ target_link_options(NSProcessInfoZKT PRIVATE
     # Identifier and version can be read from the executable alone, too.
     -Wl,-sectcreate,__TEXT,__info_plist,${plist}
     -Wl,-oso_prefix,${CMAKE_BINARY_DIR}/)
+# No image is built for an older system than its least: the project's own SDK is.
+file(READ ${CMAKE_OSX_SYSROOT}/SDKSettings.json settings)
+string(JSON sdk_version GET "${settings}" Version)
+if(sdk_version VERSION_LESS CMAKE_OSX_DEPLOYMENT_TARGET)
+    target_link_options(NSProcessInfoZKT PRIVATE
+        -Wl,-platform_version,macos,${CMAKE_OSX_DEPLOYMENT_TARGET},${CMAKE_OSX_DEPLOYMENT_TARGET})
+endif()
 target_link_libraries(NSProcessInfoZKT PRIVATE
     "-framework Foundation" "-framework CoreFoundation" "-framework CoreServices"
     "-framework CoreText" objc)

@@ -3,9 +3,7 @@
 #
 # Cross-built on Linux nothing of this can run; it compiles and links, against macos/sdk, the headers
 # of Debian's libraries and import stubs for their binaries, and GoogleTest from its sources.
-#
-# The host has the bundle's processor, x86-64, on Apple silicon too. What Homebrew has built there is
-# for arm64 and cannot be linked: what is not part of macOS is made of headers, or from sources.
+# What is not part of macOS is made of headers, or from sources.
 foreach(library macos_standin macos_loader gnustep_base llvm_object)
     add_library(${library} INTERFACE)
 endforeach()
@@ -38,12 +36,13 @@ endif()
 # Debian's headers lie among those of its C library, which must stay out of sight.
 set(headers ${CMAKE_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${headers})
-foreach(header CLI benchmark editline md4c-html.h md4c.h nlohmann unicode x86_64-linux-gnu/ffi.h x86_64-linux-gnu/ffitarget.h)
-    get_filename_component(name ${header} NAME)
-    if(NOT EXISTS /usr/include/${header})
-        message(FATAL_ERROR "There is no /usr/include/${header}; './dev build' installs what is missing.")
+foreach(name CLI benchmark editline md4c-html.h md4c.h nlohmann unicode ffi.h ffitarget.h)
+    file(GLOB found /usr/include/${name} /usr/include/*-linux-gnu/${name})
+    if(NOT found)
+        message(FATAL_ERROR "There is no /usr/include/${name}; './dev build' installs what is missing.")
     endif()
-    file(CREATE_LINK /usr/include/${header} ${headers}/${name} SYMBOLIC)
+    list(GET found 0 found)
+    file(CREATE_LINK ${found} ${headers}/${name} SYMBOLIC)
 endforeach()
 foreach(library CLI11::CLI11 nlohmann_json::nlohmann_json)
     add_library(${library} INTERFACE IMPORTED GLOBAL)
@@ -65,10 +64,10 @@ function(import_stub name install_name file pattern)
     list(JOIN symbols ", " symbols)
     file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/${name}.tbd @ONLY CONTENT "--- !tapi-tbd
 tbd-version:     4
-targets:         [ x86_64-macos ]
+targets:         [ @CMAKE_OSX_ARCHITECTURES@-macos ]
 install-name:    '@install_name@'
 exports:
-  - targets:         [ x86_64-macos ]
+  - targets:         [ @CMAKE_OSX_ARCHITECTURES@-macos ]
     symbols:         [ @symbols@ ]
 ...
 ")
@@ -81,7 +80,8 @@ set(LIBFFI ${stubs}/libffi.tbd)
 set(LIBEDIT ${stubs}/libedit.tbd)
 set(LIBMD4C_HTML ${stubs}/libmd4c-html.tbd)
 library_icu(${stubs}/libicucore.tbd ${headers})
-import_stub(libbenchmark @rpath/libbenchmark.1.dylib /usr/lib/x86_64-linux-gnu/libbenchmark.so
+file(GLOB libbenchmark /usr/lib/*-linux-gnu/libbenchmark.so)
+import_stub(libbenchmark @rpath/libbenchmark.1.dylib ${libbenchmark}
     "_Z[^\n]*9benchmark[^\n]+" --dynamic)
 library(google_benchmark ${CMAKE_BINARY_DIR}/libbenchmark.tbd ${headers})
 add_library(benchmark::benchmark ALIAS google_benchmark)

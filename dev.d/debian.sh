@@ -92,7 +92,7 @@ configure_slice() { configure "macos-$1" ${APPLE_SDK:+"-DAPPLE_SDK=$2"}; }
 # The program that joins slices.
 lipo() { tool llvm-lipo; }
 
-configure_host() { configure linux; }
+configure_host() { configure "$host"; }
 
 # What only a Mac can run, which shows that it can be built.
 build_for_elsewhere() {

@@ -42,8 +42,14 @@ CONF
     (cd "$arm64_apt/cache/archives" && APT_CONFIG=$OLDPWD/$arm64_apt/apt.conf apt-get download -q $alone)
 }
 
+# Packages, and the emulated host in place of this machine's; where that is arm64, it is the one.
 need_arm64() {
+    if [ "$(uname -m)" = aarch64 ]; then
+        need_packages
+        return
+    fi
     need_packages qemu-user-static
+    host=linux-arm64
     local wanted
     wanted=$(arm64_packages)
     [ "$(cat $arm64_root/.unpacked 2>/dev/null)" != "$wanted" ] || return 0

@@ -2,8 +2,7 @@
 # What './dev' does on a Mac: Xcode's command line tools, Homebrew's packages, and the host for macOS,
 # with the bundle alone. dev.d/debian.sh says the same for Debian.
 #
-# The host is for x86-64 like the bundle, on Apple silicon too. Homebrew's libraries there are for
-# arm64: only headers and programs come from them, and libraries are built from their sources.
+# The host is for this machine's processor, and runs the bundle's slice for it.
 
 host=macos-host # the preset of the reference host, and the folder of its build
 images=(build/macos/NSProcessInfoZKT.bundle)
@@ -14,8 +13,6 @@ processors() { getconf _NPROCESSORS_ONLN; }
 need_tools() {
     xcode-select -p >/dev/null 2>&1 || fail "needs Xcode's command line tools: xcode-select --install"
     command -v brew >/dev/null || fail "needs Homebrew, which https://brew.sh installs"
-    [ "$(uname -m)" = x86_64 ] || arch -x86_64 /usr/bin/true 2>/dev/null ||
-        fail "needs Rosetta, since the bundle is for Intel: softwareupdate --install-rosetta"
 }
 
 # brewed FORMULAE...: installs those that are missing.
@@ -76,7 +73,7 @@ lipo() { xcrun --find lipo; }
 
 # mac_host OPTIONS...
 mac_host() {
-    configure "$host" "$@" "-DCMAKE_OSX_SYSROOT:PATH=$(make_sdk)" -DWARNINGS_AS_ERRORS=OFF \
+    configure "$host" "$@" "-DCMAKE_OSX_ARCHITECTURES=$(uname -m)" "-DCMAKE_OSX_SYSROOT:PATH=$(make_sdk)" -DWARNINGS_AS_ERRORS=OFF \
         -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         "-DCMAKE_PREFIX_PATH=$(brew --prefix);$(brew --prefix icu4c)"
 }
