@@ -30,7 +30,9 @@ def join(lipo, output, slices):
         target = output / name
         target.parent.mkdir(parents=True, exist_ok=True)
         if is_for_one_processor(first):
-            subprocess.run([lipo, "-create", *(tree[name] for tree in trees), "-output", target], check=True)
+            if subprocess.run([lipo, "-create", *(tree[name] for tree in trees), "-output", target],
+                              check=False).returncode:
+                sys.exit("universal.py: the executables cannot be joined")
             target.chmod(first.stat().st_mode)
             continue
         for tree in trees[1:]:
