@@ -21,4 +21,7 @@ std::span<const BridgeSymbol> exceptionSymbols();
 /// What a C library has under different names.
 std::span<const BridgeSymbol> systemSymbols();
 
+/// What only images for this program's kind of processor need.
+std::span<const BridgeSymbol> processorSymbols();
+
 } // namespace macho

@@ -1,9 +1,6 @@
 #include "macos/loader/CompactUnwind.h"
 
-#include "macos/loader/DwarfCode.h"
-
 #include <algorithm>
-#include <array>
 #include <set>
 #include <string>
 #include <vector>
@@ -44,8 +41,6 @@ struct RegularEntry {
 };
 
 enum PageKind : std::uint32_t { regularPage = 2, compressedPage = 3 };
-enum Mode : std::uint32_t { frameMode = 1, fixedStack = 2, stackInCode = 3, dwarfMode = 4 };
-
 constexpr std::uint32_t notFunctionStart = 0x80000000, hasLanguageData = 0x40000000;
 
 /// `count` bits of `value` from bit `first` on.
@@ -53,22 +48,13 @@ constexpr std::uint32_t bits(std::uint32_t value, unsigned first, unsigned count
     return value >> first & ((1U << count) - 1);
 }
 
-/// Compact encodings number the registers that a function saves from 1 to 6.
-constexpr std::array<std::uint8_t, 7> savedRegisters = {
-    0, dwarf::rbx, dwarf::r12, dwarf::r13, dwarf::r14, dwarf::r15, dwarf::rbp};
-
 class Translator {
 public:
-    Translator(const UnwindSource &source, const DwarfFrames &frames, const Reporter &reporter)
-        : source_(source), frames_(frames), reporter_(reporter) {
+    Translator(const UnwindSource &source, const Processor &processor, const DwarfFrames &frames,
+               const Reporter &reporter)
+        : source_(source), processor_(processor), frames_(frames), reporter_(reporter) {
         table_.commons = frames.commons;
-        // What every function has at its first instruction: only its return address is pushed.
-        DwarfCode atEntry;
-        atEntry.frame(dwarf::rsp, 8);
-        atEntry.saved(dwarf::rip, 1);
-        UnwindCommon common;
-        common.instructions = std::move(atEntry.bytes);
-        table_.commons.push_back(std::move(common));
+        table_.commons.push_back(processor.atEntry());
     }
 
     UnwindTable translate() {
@@ -176,10 +162,10 @@ private:
             fail("the function at " + hex(end) + " stands behind the one at " + hex(start_));
         if (end > source_.textOffset + source_.text.size())
             fail("the function that ends at " + hex(end) + " lies outside the code");
-        const auto mode = bits(encoding_, 24, 4);
-        if (mode == 0)
+        const CompactFunction function(source_, start_, encoding_, reporter_);
+        if (function.mode() == 0)
             return;
-        if (mode == dwarfMode)
+        if (function.mode() == processor_.dwarfMode)
             return copyDwarf();
         if (encoding_ & notFunctionStart && data_ != 0)
             fail("the code at " + hex(start_) +
@@ -189,22 +175,9 @@ private:
         record.end = end;
         record.common = table_.commons.size() - 1;
         record.languageData = data_;
-        record.personalitySlot = personality(bits(encoding_, 28, 2));
-        record.instructions = instructions(mode);
+        record.personalitySlot = personality(function);
+        record.instructions = processor_.frameInstructions(function);
         table_.records.push_back(std::move(record));
-    }
-
-    [[nodiscard]] std::vector<std::uint8_t> instructions(std::uint32_t mode) const {
-        switch (mode) {
-        case frameMode:
-            return frameInstructions();
-        case fixedStack:
-            return stackInstructions(std::uint64_t{bits(encoding_, 16, 8)} * 8);
-        case stackInCode:
-            return stackInstructions(stackSizeInCode());
-        default:
-            failEncoding("is of no known mode");
-        }
     }
 
     void copyDwarf() {
@@ -215,11 +188,12 @@ private:
             table_.records.push_back(*record);
     }
 
-    [[nodiscard]] std::uint64_t personality(std::uint32_t number) const {
+    [[nodiscard]] std::uint64_t personality(const CompactFunction &function) const {
+        const auto number = function.bits(28, 2);
         if (number == 0)
             return 0;
         if (number > header_.personalitiesCount)
-            failEncoding("names personality " + std::to_string(number));
+            function.fail("names personality " + std::to_string(number));
         const std::uint64_t slot = read<std::uint32_t>(
             header_.personalitiesOffset + (number - 1) * sizeof(std::uint32_t), "personality");
         if (slot == 0 || !rangeFits(slot, sizeof(void *), source_.imageSize))
@@ -228,78 +202,12 @@ private:
         return slot;
     }
 
-    /// rbp is pushed and points to where it was saved; up to five registers are saved further down,
-    /// upwards from 8 * offset bytes below rbp.
-    [[nodiscard]] std::vector<std::uint8_t> frameInstructions() const {
-        DwarfCode code;
-        code.frame(dwarf::rbp, 16);
-        code.saved(dwarf::rbp, 2);
-        const auto offset = bits(encoding_, 16, 8);
-        for (std::uint32_t slot = 0; slot < 5; ++slot) {
-            const auto number = bits(encoding_, 3 * slot, 3);
-            if (number == 0)
-                continue;
-            if (number > 5 || offset <= slot)
-                failEncoding("does not describe a frame");
-            code.saved(savedRegisters[number], 2 + offset - slot);
-        }
-        return std::move(code.bytes);
-    }
-
-    /// The frame address is rsp plus `size`; registers are saved right below the return address.
-    [[nodiscard]] std::vector<std::uint8_t> stackInstructions(std::uint64_t size) const {
-        const auto count = bits(encoding_, 10, 3);
-        if (count > 6 || size < 8 * (std::uint64_t{count} + 1))
-            failEncoding("does not describe a stack");
-        DwarfCode code;
-        code.frame(dwarf::rsp, size);
-        const auto registers = permutation(count, bits(encoding_, 0, 10));
-        for (std::uint32_t i = 0; i < count; ++i)
-            code.saved(registers[i], 1 + count - i);
-        return std::move(code.bytes);
-    }
-
-    /// The registers in the order in which they were pushed. The number is written in the mixed
-    /// radix of permutations: each digit says which of the registers that are left comes next.
-    [[nodiscard]] std::array<std::uint8_t, 6> permutation(std::uint32_t count,
-                                                          std::uint32_t number) const {
-        std::vector<std::uint8_t> left(savedRegisters.begin() + 1, savedRegisters.end());
-        std::array<std::uint8_t, 6> order = {};
-        for (std::uint32_t i = 0; i < count; ++i) {
-            std::uint32_t weight = 1;
-            for (std::uint32_t j = i + 1; j < count; ++j)
-                weight *= 6 - j;
-            const auto digit = number / weight;
-            number %= weight;
-            if (digit >= left.size())
-                failEncoding("does not describe saved registers");
-            order[i] = left[digit];
-            left.erase(left.begin() + digit);
-        }
-        return order;
-    }
-
-    /// Large stacks: the encoding says where in the function the instruction "sub rsp, size" has
-    /// its operand.
-    [[nodiscard]] std::uint64_t stackSizeInCode() const {
-        const auto at = start_ + bits(encoding_, 16, 8);
-        const auto size = at < source_.textOffset
-                              ? std::nullopt
-                              : readAt<std::uint32_t>(source_.text, at - source_.textOffset);
-        if (!size)
-            failEncoding("refers to an instruction outside the code");
-        return std::uint64_t{*size} + std::uint64_t{8} * bits(encoding_, 13, 3);
-    }
-
-    [[noreturn]] void failEncoding(const std::string &what) const {
-        fail("encoding " + hex(encoding_) + " of the function at " + hex(start_) + " " + what);
-    }
-
     [[noreturn]] void fail(const std::string &what) const {
         reporter_.fail("section __TEXT,__unwind_info", what);
     }
 
     const UnwindSource &source_;
+    const Processor &processor_;
     const DwarfFrames &frames_;
     const Reporter &reporter_;
     Header header_ = {};
@@ -314,9 +222,9 @@ private:
 
 } // namespace
 
-UnwindTable translateCompactUnwind(const UnwindSource &source, const DwarfFrames &frames,
-                                   const Reporter &reporter) {
-    return Translator(source, frames, reporter).translate();
+UnwindTable translateCompactUnwind(const UnwindSource &source, const Processor &processor,
+                                   const DwarfFrames &frames, const Reporter &reporter) {
+    return Translator(source, processor, frames, reporter).translate();
 }
 
 } // namespace macho

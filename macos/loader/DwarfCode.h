@@ -7,10 +7,10 @@
 
 namespace macho {
 
-/// The DWARF registers and call frame instructions that unwind records are made of.
+/// The DWARF call frame instructions that unwind records are made of.
 namespace dwarf {
-constexpr std::uint8_t rbx = 3, rbp = 6, rsp = 7, r12 = 12, r13 = 13, r14 = 14, r15 = 15, rip = 16;
-constexpr std::uint8_t nop = 0x00, setLocation = 0x01, defineFrame = 0x0c, savedAtOffset = 0x80;
+constexpr std::uint8_t nop = 0x00, setLocation = 0x01, savedAtOffsetExtended = 0x05,
+                       defineFrame = 0x0c, savedAtOffset = 0x80;
 constexpr std::uint8_t absolutePointer = 0x00;
 } // namespace dwarf
 
@@ -56,7 +56,12 @@ public:
 
     /// `reg` was saved `words` words below the canonical frame address.
     void saved(std::uint8_t reg, std::uint64_t words) {
-        fixed(static_cast<std::uint8_t>(dwarf::savedAtOffset | reg));
+        if (reg < 0x40) { // as many as the short form has room for
+            fixed(static_cast<std::uint8_t>(dwarf::savedAtOffset | reg));
+        } else {
+            fixed(dwarf::savedAtOffsetExtended);
+            unsignedNumber(reg);
+        }
         unsignedNumber(words);
     }
 };

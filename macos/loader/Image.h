@@ -18,9 +18,10 @@ struct LoadOptions {
     std::set<std::string, std::less<>> withheldImports;
 };
 
-/// A Mach-O bundle or library for x86-64 macOS that has been brought to life in this process. Its
-/// code, its data and its literals live as long as this object; nothing of them may be in use when
-/// it ends, neither on a stack nor as an exception. Images may be loaded and used from any thread.
+/// A Mach-O bundle or library for macOS on this program's kind of processor that has been brought
+/// to life in this process. Its code, its data and its literals live as long as this object;
+/// nothing of them may be in use when it ends, neither on a stack nor as an exception. Images may
+/// be loaded and used from any thread.
 class Image {
 public:
     /// Reads, maps, binds and initialises an image. Throws LoadError, which says what and where.

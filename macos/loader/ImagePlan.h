@@ -81,6 +81,7 @@ struct NamedOffset {
 struct ImagePlan {
     std::string source; // the path, for messages
     std::uint64_t size = 0;
+    std::uint64_t pageSize = 0;    // what its segments begin at multiples of
     std::vector<Segment> segments; // by offset, the first holds the header
     std::vector<Section> sections;
     std::vector<Import> imports;

@@ -12,7 +12,6 @@ namespace {
 
 namespace format = llvm::MachO;
 
-constexpr std::uint64_t pageSize = 4096;
 constexpr std::uint64_t largestImage = 1ULL << 30; // far beyond any bundle; a bound for damage
 
 struct Command {
@@ -41,10 +40,11 @@ std::string fixedName(const char (&name)[16]) {
 /// Reads one file's commands in the order in which they stand.
 class CommandReader {
 public:
-    CommandReader(Bytes file, const Reporter &reporter) : file_(file), reporter_(reporter) {}
+    CommandReader(Bytes file, const Processor &processor, const Reporter &reporter)
+        : file_(file), processor_(processor), reporter_(reporter) {}
 
     LoadCommands read() {
-        const auto header = readHeader(file_, reporter_);
+        const auto header = readHeader(file_, processor_, reporter_);
         std::uint64_t offset = sizeof header;
         const std::uint64_t end = offset + header.sizeofcmds;
         for (std::uint32_t index = 0; index < header.ncmds; ++index) {
@@ -116,6 +116,7 @@ private:
     }
 
     Bytes file_;
+    const Processor &processor_;
     const Reporter &reporter_;
     Command command_;
     LoadCommands result_;
@@ -192,13 +193,13 @@ void CommandReader::readSegment() {
              " sections do not fit into its " + std::to_string(command_.bytes.size()) + " bytes");
     segment.content = content("segment " + segment.name, command.fileoff, command.filesize);
     segment.size = command.vmsize;
-    if (command.vmaddr % pageSize != 0)
+    if (command.vmaddr % processor_.pageSize != 0)
         fail("segment " + segment.name + ": its address " + hex(command.vmaddr) +
              " is not the start of a page");
     if (command.filesize > command.vmsize)
         fail("segment " + segment.name + ": " + hex(command.filesize) + " bytes of the file for " +
              hex(command.vmsize) + " bytes of memory");
-    if (!rangeFits(command.vmaddr, command.vmsize, UINT64_MAX - pageSize))
+    if (!rangeFits(command.vmaddr, command.vmsize, UINT64_MAX - processor_.pageSize))
         fail("segment " + segment.name + " takes " + byteRange(command.vmaddr, command.vmsize) +
              " of memory, beyond what there is");
 
@@ -314,6 +315,7 @@ void CommandReader::readPlatform() const {
 /// Makes addresses relative to the header and checks that nothing overlaps.
 void CommandReader::layOut() {
     auto &segments = result_.segments;
+    const auto pageSize = processor_.pageSize;
     if (segments.empty() || segments.front().content.data() != file_.data() ||
         segments.front().content.size() < sizeof(format::mach_header_64))
         reporter_.fail("load commands", "no first segment that holds the header");
@@ -344,8 +346,8 @@ void CommandReader::layOut() {
 
 } // namespace
 
-LoadCommands readLoadCommands(Bytes file, const Reporter &reporter) {
-    return CommandReader(file, reporter).read();
+LoadCommands readLoadCommands(Bytes file, const Processor &processor, const Reporter &reporter) {
+    return CommandReader(file, processor, reporter).read();
 }
 
 } // namespace macho

@@ -2,6 +2,7 @@
 
 #include "macos/loader/ImagePlan.h"
 #include "macos/loader/Messages.h"
+#include "macos/loader/Processor.h"
 
 #include <cstdint>
 #include <string>
@@ -33,7 +34,8 @@ struct LoadCommands {
 };
 
 /// Reads the header and load commands of a single-architecture file. Throws LoadError when the file
-/// is not an x86-64 bundle or library, is damaged, or asks for what this loader does not do.
-LoadCommands readLoadCommands(Bytes file, const Reporter &reporter);
+/// is not a bundle or library for `processor`, is damaged, or asks for what this loader does not
+/// do.
+LoadCommands readLoadCommands(Bytes file, const Processor &processor, const Reporter &reporter);
 
 } // namespace macho

@@ -19,27 +19,30 @@ std::string firstBytes(Bytes file) {
 
 } // namespace
 
-format::mach_header_64 readHeader(Bytes file, const Reporter &reporter) {
+format::mach_header_64 readHeader(Bytes file, const Processor &processor,
+                                  const Reporter &reporter) {
     if (file.empty())
         reporter.fail("the file is empty");
     const auto magic = readAt<std::uint32_t>(file, 0).value_or(0);
     if (magic == format::MH_MAGIC || magic == format::MH_CIGAM || magic == format::MH_CIGAM_64)
-        reporter.fail("header", "a Mach-O file of 32 bits or of the other byte order; only "
-                                "64-bit x86 images run here");
+        reporter.fail("header",
+                      "a Mach-O file of 32 bits or of the other byte order; " + processor.wanted());
     if (magic != format::MH_MAGIC_64)
         reporter.fail("not a Mach-O file: it starts with " + firstBytes(file));
     const auto header = readAt<format::mach_header_64>(file, 0);
     if (!header)
         reporter.fail("header", "the file ends at " + hex(file.size()) + ", within the header");
-    const auto subtype = header->cpusubtype & ~format::CPU_SUBTYPE_MASK;
-    if (header->cputype == format::CPU_TYPE_X86_64 && subtype != format::CPU_SUBTYPE_X86_64_ALL &&
-        subtype != format::CPU_SUBTYPE_X86_64_H)
-        reporter.fail("header", "the image is for x86_64 processors of the unknown subtype " +
-                                    std::to_string(subtype));
-    if (header->cputype != format::CPU_TYPE_X86_64)
-        reporter.fail("header", "the image is for " +
-                                    architectureName(header->cputype, header->cpusubtype) +
-                                    "; only x86_64 images run here");
+    if (!processor.runs(header->cputype, header->cpusubtype)) {
+        const auto name = architectureName(header->cputype, header->cpusubtype);
+        const auto subtype = header->cpusubtype & ~format::CPU_SUBTYPE_MASK;
+        reporter.fail("header",
+                      name == processor.name
+                          ? "the image is for " + name + " processors of the unknown subtype " +
+                                std::to_string(subtype)
+                          : "the image is for " + name +
+                                (name == "arm64e" ? ", whose pointers are signed; " : "; ") +
+                                processor.wanted());
+    }
     if (header->filetype != format::MH_BUNDLE && header->filetype != format::MH_DYLIB)
         reporter.fail("header", header->filetype == format::MH_EXECUTE
                                     ? "a program, not a bundle or library"

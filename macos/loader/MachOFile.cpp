@@ -30,8 +30,9 @@ bool isUniversal(Bytes file) {
     return magic == format::FAT_CIGAM || magic == format::FAT_CIGAM_64;
 }
 
-/// Replaces a universal file by its part for this processor.
-void selectArchitecture(std::unique_ptr<llvm::MemoryBuffer> &file, const Reporter &reporter) {
+/// Replaces a universal file by its part for `processor`.
+void selectArchitecture(std::unique_ptr<llvm::MemoryBuffer> &file, const Processor &processor,
+                        const Reporter &reporter) {
     auto universal = llvm::object::MachOUniversalBinary::create(file->getMemBufferRef());
     if (!universal)
         reporter.fail("universal header", llvm::toString(universal.takeError()));
@@ -42,7 +43,7 @@ void selectArchitecture(std::unique_ptr<llvm::MemoryBuffer> &file, const Reporte
             reporter.fail("universal header",
                           "a part takes " + byteRange(part.getOffset(), part.getSize()) +
                               " of the file, which ends at " + hex(whole.size()));
-        if (part.getCPUType() == format::CPU_TYPE_X86_64) {
+        if (processor.runs(part.getCPUType(), part.getCPUSubType())) {
             file = llvm::MemoryBuffer::getMemBufferCopy(
                 file->getBuffer().substr(part.getOffset(), part.getSize()));
             return;
@@ -51,7 +52,7 @@ void selectArchitecture(std::unique_ptr<llvm::MemoryBuffer> &file, const Reporte
                   architectureName(part.getCPUType(), part.getCPUSubType());
     }
     reporter.fail("universal header", "the file is for " + (others.empty() ? "nothing" : others) +
-                                          "; only x86_64 images run here");
+                                          "; " + processor.wanted());
 }
 
 /// What only images with classes, thread-local variables and the like have.
@@ -142,7 +143,8 @@ void checkUnwindTable(const ImagePlan &plan, const Reporter &reporter) {
     }
 }
 
-void readUnwindTable(const LoadCommands &commands, const Reporter &reporter, ImagePlan &plan) {
+void readUnwindTable(const LoadCommands &commands, const Processor &processor,
+                     const Reporter &reporter, ImagePlan &plan) {
     DwarfFrames frames;
     if (const auto *section = plan.section("__TEXT,__eh_frame"))
         frames = readDwarfFrames(section->content, section->offset, commands.baseAddress, plan.size,
@@ -150,7 +152,7 @@ void readUnwindTable(const LoadCommands &commands, const Reporter &reporter, Ima
     if (const auto *section = plan.section("__TEXT,__unwind_info")) {
         const auto text = std::ranges::find(plan.segments, "__TEXT", &Segment::name);
         const UnwindSource source{plan.size, section->content, text->offset, text->content};
-        plan.unwind = translateCompactUnwind(source, frames, reporter);
+        plan.unwind = translateCompactUnwind(source, processor, frames, reporter);
         return;
     }
     plan.unwind.commons = std::move(frames.commons);
@@ -158,12 +160,13 @@ void readUnwindTable(const LoadCommands &commands, const Reporter &reporter, Ima
         plan.unwind.records.push_back(std::move(record));
 }
 
-ImagePlan planImage(Bytes file, std::string source) {
+ImagePlan planImage(Bytes file, std::string source, const Processor &processor) {
     const Reporter reporter(source);
-    const auto commands = readLoadCommands(file, reporter);
+    const auto commands = readLoadCommands(file, processor, reporter);
     ImagePlan plan;
     plan.source = std::move(source);
     plan.size = commands.imageSize;
+    plan.pageSize = processor.pageSize;
     plan.segments = commands.segments;
     plan.sections = commands.sections;
     rejectUnsupportedSections(plan, reporter);
@@ -171,7 +174,7 @@ ImagePlan planImage(Bytes file, std::string source) {
     plan.exports = readExportTrie(commands.exportTable, plan.size, reporter);
     readFixups(file, commands, reporter, plan);
     readSymbols(commands, reporter, plan);
-    readUnwindTable(commands, reporter, plan);
+    readUnwindTable(commands, processor, reporter, plan);
     checkUnwindTable(plan, reporter);
     return plan;
 }
@@ -206,7 +209,7 @@ bool ImagePlan::isText(std::uint64_t offset) const {
     });
 }
 
-MachOFile MachOFile::open(const std::filesystem::path &file) {
+MachOFile MachOFile::open(const std::filesystem::path &file, const Processor &processor) {
     const Reporter reporter(file.string());
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
@@ -221,19 +224,20 @@ MachOFile MachOFile::open(const std::filesystem::path &file) {
                                              /*RequiresNullTerminator=*/true, /*IsVolatile=*/true);
     if (!bytes)
         reporter.fail("cannot be read: " + bytes.getError().message());
-    return {std::move(*bytes), file.string()};
+    return {std::move(*bytes), file.string(), processor};
 }
 
-MachOFile MachOFile::parse(Bytes contents, std::string source) {
+MachOFile MachOFile::parse(Bytes contents, std::string source, const Processor &processor) {
     const llvm::StringRef text(reinterpret_cast<const char *>(contents.data()), contents.size());
-    return {llvm::MemoryBuffer::getMemBufferCopy(text), std::move(source)};
+    return {llvm::MemoryBuffer::getMemBufferCopy(text), std::move(source), processor};
 }
 
-MachOFile::MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string source)
+MachOFile::MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string source,
+                     const Processor &processor)
     : bytes_(std::move(bytes)) {
     if (isUniversal(bytesOf(*bytes_)))
-        selectArchitecture(bytes_, Reporter(source));
-    plan_ = planImage(bytesOf(*bytes_), std::move(source));
+        selectArchitecture(bytes_, processor, Reporter(source));
+    plan_ = planImage(bytesOf(*bytes_), std::move(source), processor);
 }
 
 MachOFile::MachOFile(MachOFile &&) noexcept = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "macos/loader/ImagePlan.h"
+#include "macos/loader/Processor.h"
 
 #include <filesystem>
 #include <memory>
@@ -15,11 +16,14 @@ namespace macho {
 /// A Mach-O file that has been read and checked. Nothing of it has been run or mapped.
 class MachOFile {
 public:
-    /// Reads a file. Throws LoadError when it cannot be read or cannot be loaded.
-    static MachOFile open(const std::filesystem::path &file);
+    /// Reads a file; of a universal one, the part for `processor`. Throws LoadError when it cannot
+    /// be read, is for another processor, or cannot be loaded.
+    static MachOFile open(const std::filesystem::path &file,
+                          const Processor &processor = Processor::ofThisProgram());
     /// The same with contents that are in memory already; they are copied. `source` names them in
     /// messages.
-    static MachOFile parse(Bytes contents, std::string source);
+    static MachOFile parse(Bytes contents, std::string source,
+                           const Processor &processor = Processor::ofThisProgram());
 
     MachOFile(MachOFile &&) noexcept;
     MachOFile &operator=(MachOFile &&) noexcept;
@@ -29,7 +33,8 @@ public:
     [[nodiscard]] const ImagePlan &plan() const { return plan_; }
 
 private:
-    MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string source);
+    MachOFile(std::unique_ptr<llvm::MemoryBuffer> bytes, std::string source,
+              const Processor &processor);
 
     std::unique_ptr<llvm::MemoryBuffer> bytes_;
     ImagePlan plan_;

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace macho {
 namespace {
@@ -18,6 +19,11 @@ namespace {
 } // namespace
 
 Mapping::Mapping(const ImagePlan &plan) : size_(plan.size) {
+    const auto pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+    if (plan.pageSize % pageSize != 0)
+        Reporter(plan.source)
+            .fail("its segments begin at multiples of " + std::to_string(plan.pageSize) +
+                  " bytes, but this system's pages have " + std::to_string(pageSize));
     // Gaps between segments stay inaccessible.
     void *memory =
         mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -48,6 +54,10 @@ void Mapping::rebase(std::span<const Rebase> rebases) {
 
 void Mapping::protect(const ImagePlan &plan) {
     for (const auto &segment : plan.segments) {
+        // What was written as data is to be fetched as instructions.
+        auto *const begin = reinterpret_cast<char *>(memory_) + segment.offset;
+        if (segment.executable)
+            __builtin___clear_cache(begin, begin + segment.content.size());
         const int more = segment.writable ? PROT_WRITE : segment.executable ? PROT_EXEC : PROT_NONE;
         setAccess(plan, segment, (segment.readable ? PROT_READ : PROT_NONE) | more);
     }

@@ -10,12 +10,7 @@
 
 #include <objc/runtime.h>
 
-extern "C" {
-void machoMessageSend();
-void machoMessageSendStructure();
-void machoMessageSendLongDouble();
-void machoMessageSendTwoLongDoubles();
-}
+extern "C" void machoMessageSend(); // of the processor
 
 namespace macho {
 namespace objc {
@@ -105,11 +100,13 @@ id selfOf(id object) {
     return [object self];
 }
 
-BOOL isKindOfClass(id object, Class cls) {
+// An image takes it for granted that answers smaller than an int are widened to one.
+
+int isKindOfClass(id object, Class cls) {
     return [object isKindOfClass:cls];
 }
 
-BOOL respondsToSelector(id object, SEL selector) {
+int respondsToSelector(id object, SEL selector) {
     return [object respondsToSelector:selector];
 }
 
@@ -152,9 +149,6 @@ void *address(Function *function) {
 std::span<const BridgeSymbol> runtimeSymbols() {
     static const auto symbols = std::to_array<BridgeSymbol>({
         {"objc_msgSend", address(machoMessageSend)},
-        {"objc_msgSend_stret", address(machoMessageSendStructure)},
-        {"objc_msgSend_fpret", address(machoMessageSendLongDouble)},
-        {"objc_msgSend_fp2ret", address(machoMessageSendTwoLongDoubles)},
         {"objc_retain", address(retain)},
         {"objc_release", address(release)},
         {"objc_autorelease", address(autorelease)},

@@ -18,7 +18,8 @@ constexpr std::string_view classPrefix = "OBJC_CLASS_$_", metaclassPrefix = "OBJ
 void *bridgeSymbol(std::string_view name) {
     static const auto symbols = [] {
         std::unordered_map<std::string_view, void *> all;
-        for (const auto list : {runtimeSymbols(), exceptionSymbols(), systemSymbols()})
+        for (const auto list :
+             {processorSymbols(), runtimeSymbols(), exceptionSymbols(), systemSymbols()})
             for (const auto &[symbol, address] : list)
                 all.emplace(symbol, address);
         return all;

@@ -1,5 +1,7 @@
 #include "tests/loader/DamagedImages.h"
 
+#include "macos/loader/MachOFile.h"
+
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -73,16 +75,27 @@ TEST(BadFile, withClassesOfItsOwn) {
 }
 
 TEST(BadFile, goodOneIsGood) {
-    EXPECT_EQ(parseError(goodImage()), "parsed");
+    for (const auto *processor : allProcessors)
+        EXPECT_EQ(parseError(goodImage(*processor), *processor), "parsed");
 }
 
-class CutFile : public testing::TestWithParam<const char *> {
+class CutFile : public testing::TestWithParam<std::tuple<const macho::Processor *, const char *>> {
 protected:
-    [[nodiscard]] ByteString image() const {
-        return readFile(imageFile(std::string(GetParam()) + "/Messages"));
+    [[nodiscard]] static ByteString image() {
+        return readFile(imageFile(std::string(std::get<1>(GetParam())) + "/Messages", processor()));
     }
+    [[nodiscard]] static std::string parseError(const ByteString &contents) {
+        return ::parseError(contents, processor());
+    }
+
+private:
+    static const macho::Processor &processor() { return *std::get<0>(GetParam()); }
 };
-INSTANTIATE_TEST_SUITE_P(, CutFile, testing::ValuesIn(allVariants), variantName);
+INSTANTIATE_TEST_SUITE_P(
+    , CutFile, testing::Combine(testing::ValuesIn(allProcessors), testing::ValuesIn(allVariants)),
+    [](const auto &info) {
+        return std::string(std::get<0>(info.param)->name) + "_" + std::get<1>(info.param);
+    });
 
 TEST_P(CutFile, atEveryLoadCommand) {
     const auto whole = image();
@@ -123,29 +136,66 @@ TEST_P(CutFile, withEveryByteOfTheTablesWrongInTurn) {
         }
 }
 
-TEST(UniversalFile, givesItsPartForThisProcessor) {
-    const auto part = goodImage();
-    const TemporaryFile file(universal({{0x0100000c, bytes("not looked at")}, {0x01000007, part}}));
-    const auto image = macho::Image::load(file.path());
-    EXPECT_EQ(*static_cast<int *>(image.exportedSymbol("exportedData")), 17);
+constexpr std::uint32_t x86 = 0x01000007, anyX86 = 3, arm = 0x0100000c, anyArm = 0, arm64e = 2;
+
+UniversalPart goodPart(const macho::Processor &processor) {
+    return {processor.cpuType, processor.cpuSubtypes[0], goodImage(processor)};
 }
 
-TEST(UniversalFile, withoutThisProcessorSaysWhatItHas) {
-    auto other = goodImage();
-    set<std::uint32_t>(other, 4, 0x0100000c);
-    EXPECT_EQ(parseError(universal({{0x0100000c, other}, {18, other}})),
-              "the file: universal header: the file is for arm64, ppc; only x86_64 images run "
-              "here");
+TEST(UniversalFile, givesItsPartForThisProcessor) {
+    auto other = goodPart(otherProcessor());
+    other.contents = bytes("not looked at");
+    for (const auto &parts : {std::vector{other, goodPart(macho::Processor::ofThisProgram())},
+                              std::vector{goodPart(macho::Processor::ofThisProgram()), other}}) {
+        const TemporaryFile file(universal(parts));
+        const auto image = macho::Image::load(file.path());
+        EXPECT_EQ(*static_cast<int *>(image.exportedSymbol("exportedData")), 17);
+    }
+}
+
+TEST(UniversalFile, givesItsPartForTheProcessorThatIsAskedFor) {
+    const auto whole =
+        universal({goodPart(macho::Processor::x86_64), goodPart(macho::Processor::arm64)});
+    for (const auto *processor : allProcessors) {
+        const auto file = macho::MachOFile::parse(whole, "the file", *processor);
+        EXPECT_EQ(file.plan().pageSize, processor->pageSize);
+    }
+}
+
+TEST(UniversalFile, givesItsPartWithoutSignedPointers) {
+    const auto good = goodPart(macho::Processor::arm64);
+    auto pointersSigned = good;
+    pointersSigned.subtype = arm64e;
+    pointersSigned.contents = bytes("not looked at");
+    EXPECT_EQ(parseError(universal({pointersSigned, good}), macho::Processor::arm64), "parsed");
+}
+
+TEST(UniversalFile, withoutAPartForTheProcessorSaysWhatItHas) {
+    const auto image = goodImage(macho::Processor::arm64);
+    const auto armAndPowerPc = universal({{arm, anyArm, image}, {18, 0, image}});
+    EXPECT_EQ(parseError(armAndPowerPc, macho::Processor::x86_64),
+              "the file: universal header: the file is for arm64, ppc; " +
+                  macho::Processor::x86_64.wanted());
+    const auto x86AndSigned = universal({{x86, anyX86, image}, {arm, arm64e, image}});
+    EXPECT_EQ(parseError(x86AndSigned, macho::Processor::arm64),
+              "the file: universal header: the file is for x86_64, arm64e; " +
+                  macho::Processor::arm64.wanted());
+    EXPECT_EQ(parseError(universal({goodPart(otherProcessor())})),
+              "the file: universal header: the file is for " + std::string(otherProcessor().name) +
+                  "; only " + std::string(macho::Processor::ofThisProgram().name) +
+                  " images run here");
 }
 
 TEST(UniversalFile, cutAnywhere) {
-    const auto whole = universal({{0x0100000c, bytes("not looked at")}, {0x01000007, goodImage()}});
+    auto other = goodPart(otherProcessor());
+    other.contents = bytes("not looked at");
+    const auto whole = universal({other, goodPart(macho::Processor::ofThisProgram())});
     for (std::size_t end = 0; end < whole.size(); end += 64)
         EXPECT_THAT(parseError(cut(whole, end)), StartsWith("the file: ")) << end;
 }
 
 TEST(UniversalFile, withWrongPlaces) {
-    const auto whole = universal({{0x01000007, goodImage()}});
+    const auto whole = universal({goodPart(macho::Processor::ofThisProgram())});
     for (std::size_t at = 4; at < 28; ++at)
         for (const int flip : {0x01, 0x80, 0xff}) {
             auto damaged = whole;
@@ -156,7 +206,7 @@ TEST(UniversalFile, withWrongPlaces) {
 
 TEST(BadFile, personalityBetweenSegments) {
     const auto file = readFile(TEST_CORPUS "/personality-between-segments");
-    EXPECT_EQ(parseError(file),
+    EXPECT_EQ(parseError(file, macho::Processor::x86_64),
               "the file: the unwind record of the function at 0x530: the pointer to its "
               "personality at 0x2008 lies in no readable segment");
 }
@@ -166,8 +216,10 @@ TEST(Corpus, isReadWithoutHarm) {
     int files = 0;
     for (const auto &entry : std::filesystem::directory_iterator(TEST_CORPUS)) {
         SCOPED_TRACE(entry.path().filename());
-        const auto message = parseError(readFile(entry.path()));
-        EXPECT_TRUE(message == "parsed" || message.starts_with("the file: ")) << message;
+        for (const auto *processor : allProcessors) {
+            const auto message = parseError(readFile(entry.path()), *processor);
+            EXPECT_TRUE(message == "parsed" || message.starts_with("the file: ")) << message;
+        }
         ++files;
     }
     EXPECT_GT(files, 0);

@@ -29,7 +29,7 @@ std::string hexOf(std::uint64_t value) {
     return text.str();
 }
 
-ByteString universal(const std::vector<std::pair<std::uint32_t, ByteString>> &parts) {
+ByteString universal(const std::vector<UniversalPart> &parts) {
     constexpr std::size_t alignment = 4096;
     ByteString file;
     const auto word = [&](std::size_t value) {
@@ -38,15 +38,15 @@ ByteString universal(const std::vector<std::pair<std::uint32_t, ByteString>> &pa
     word(0xcafebabe);
     word(parts.size());
     std::size_t offset = alignment;
-    for (const auto &[processor, contents] : parts) {
+    for (const auto &[processor, subtype, contents] : parts) {
         word(processor);
-        word(3); // subtype: all
+        word(subtype);
         word(offset);
         word(contents.size());
         word(12); // alignment: 2^12
         offset += (contents.size() + alignment - 1) / alignment * alignment;
     }
-    for (const auto &[processor, contents] : parts) {
+    for (const auto &[processor, subtype, contents] : parts) {
         file.resize((file.size() + alignment - 1) / alignment * alignment);
         file.insert(file.end(), contents.begin(), contents.end());
     }

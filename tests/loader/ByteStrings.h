@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 /// Files as bytes, to be damaged.
@@ -17,8 +16,13 @@ ByteString readFile(const std::filesystem::path &file);
 ByteString cut(const ByteString &whole, std::size_t end); // its first `end` bytes
 std::string hexOf(std::uint64_t value);                   // "0x2d8"
 
-/// A universal file of these parts, each for a processor type.
-ByteString universal(const std::vector<std::pair<std::uint32_t, ByteString>> &parts);
+/// A part of a universal file, with what the file's header says it is for.
+struct UniversalPart {
+    std::uint32_t processor;
+    std::uint32_t subtype;
+    ByteString contents;
+};
+ByteString universal(const std::vector<UniversalPart> &parts);
 
 template <class Number>
 Number get(const ByteString &from, std::size_t offset) {

@@ -1,7 +1,7 @@
 #include "tests/loader/UnwindSections.h"
 
-#include "macos/loader/DwarfCode.h"
 #include "macos/loader/LoadError.h"
+#include "macos/loader/x86_64/Registers.h"
 
 #include <string>
 
@@ -11,7 +11,7 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-namespace dwarf = macho::dwarf;
+namespace x86_64 = macho::x86_64;
 
 std::string translationError(const ByteString &section) {
     try {
@@ -42,7 +42,7 @@ TEST(CompactUnwind, functionsEndWhereTheNextOneStarts) {
     EXPECT_EQ(table.records[1].start, 0x1020U);
     EXPECT_EQ(table.records[1].end, 0x1100U);
     EXPECT_EQ(table.records[2].end, 0x2000U); // the end of all
-    EXPECT_EQ(table.records[2].instructions, frame(dwarf::rsp, 24, {}));
+    EXPECT_EQ(table.records[2].instructions, frame(x86_64::rsp, 24, {}));
 }
 
 TEST(CompactUnwind, compressedPagesTakeEncodingsFromTheSectionOrThePage) {
@@ -51,59 +51,59 @@ TEST(CompactUnwind, compressedPagesTakeEncodingsFromTheSectionOrThePage) {
     const auto table = translate(section.withCompressedPage(
         {{0, 1}, {0x10, 0}, {0x20, 2}, {0x30, 3}}, {0x02030000, 0x02040000}));
     ASSERT_EQ(table.records.size(), 4U);
-    EXPECT_EQ(table.records[0].instructions, frame(dwarf::rsp, 16, {}));
-    EXPECT_EQ(table.records[1].instructions, frame(dwarf::rsp, 8, {}));
-    EXPECT_EQ(table.records[2].instructions, frame(dwarf::rsp, 24, {}));
-    EXPECT_EQ(table.records[3].instructions, frame(dwarf::rsp, 32, {}));
+    EXPECT_EQ(table.records[0].instructions, frame(x86_64::rsp, 16, {}));
+    EXPECT_EQ(table.records[1].instructions, frame(x86_64::rsp, 8, {}));
+    EXPECT_EQ(table.records[2].instructions, frame(x86_64::rsp, 24, {}));
+    EXPECT_EQ(table.records[3].instructions, frame(x86_64::rsp, 32, {}));
     EXPECT_EQ(table.records[3].start, 0x1030U);
     EXPECT_THAT(translationError(section.withCompressedPage({{0, 2}}, {})),
                 HasSubstr("has no encoding 2"));
 }
 
 TEST(CompactUnwind, framesWithAPointer) {
-    EXPECT_EQ(instructionsOf(0x01000000), frame(dwarf::rbp, 16, {{dwarf::rbp, 2}}));
+    EXPECT_EQ(instructionsOf(0x01000000), frame(x86_64::rbp, 16, {{x86_64::rbp, 2}}));
     // rbx, r12, r13, r14, r15 from the lowest address on, five words below rbp.
     EXPECT_EQ(instructionsOf(0x01050000 | 1 | 2 << 3 | 3 << 6 | 4 << 9 | 5 << 12),
-              frame(dwarf::rbp, 16,
-                    {{dwarf::rbp, 2},
-                     {dwarf::rbx, 7},
-                     {dwarf::r12, 6},
-                     {dwarf::r13, 5},
-                     {dwarf::r14, 4},
-                     {dwarf::r15, 3}}));
+              frame(x86_64::rbp, 16,
+                    {{x86_64::rbp, 2},
+                     {x86_64::rbx, 7},
+                     {x86_64::r12, 6},
+                     {x86_64::r13, 5},
+                     {x86_64::r14, 4},
+                     {x86_64::r15, 3}}));
     // Empty slots take their place.
     EXPECT_EQ(instructionsOf(0x01040000 | 0 | 4 << 3 | 0 << 6 | 1 << 9),
-              frame(dwarf::rbp, 16, {{dwarf::rbp, 2}, {dwarf::r14, 5}, {dwarf::rbx, 3}}));
+              frame(x86_64::rbp, 16, {{x86_64::rbp, 2}, {x86_64::r14, 5}, {x86_64::rbx, 3}}));
     EXPECT_EQ(instructionsOf(0x01ff0000 | 1),
-              frame(dwarf::rbp, 16, {{dwarf::rbp, 2}, {dwarf::rbx, 257}}));
+              frame(x86_64::rbp, 16, {{x86_64::rbp, 2}, {x86_64::rbx, 257}}));
 }
 
 TEST(CompactUnwind, framesWithoutAPointer) {
-    EXPECT_EQ(instructionsOf(0x02010000), frame(dwarf::rsp, 8, {}));
-    EXPECT_EQ(instructionsOf(0x02ff0000), frame(dwarf::rsp, 2040, {}));
+    EXPECT_EQ(instructionsOf(0x02010000), frame(x86_64::rsp, 8, {}));
+    EXPECT_EQ(instructionsOf(0x02ff0000), frame(x86_64::rsp, 2040, {}));
     // One register: its number less one.
-    const std::uint8_t registers[] = {dwarf::rbx, dwarf::r12, dwarf::r13,
-                                      dwarf::r14, dwarf::r15, dwarf::rbp};
+    const std::uint8_t registers[] = {x86_64::rbx, x86_64::r12, x86_64::r13,
+                                      x86_64::r14, x86_64::r15, x86_64::rbp};
     for (std::uint32_t i = 0; i < 6; ++i)
-        EXPECT_EQ(instructionsOf(0x02020400 | i), frame(dwarf::rsp, 16, {{registers[i], 2}}));
+        EXPECT_EQ(instructionsOf(0x02020400 | i), frame(x86_64::rsp, 16, {{registers[i], 2}}));
     // Six: the first permutation is in the order of the numbers, the last one in reverse.
-    EXPECT_EQ(instructionsOf(0x02081800), frame(dwarf::rsp, 64,
-                                                {{dwarf::rbx, 7},
-                                                 {dwarf::r12, 6},
-                                                 {dwarf::r13, 5},
-                                                 {dwarf::r14, 4},
-                                                 {dwarf::r15, 3},
-                                                 {dwarf::rbp, 2}}));
-    EXPECT_EQ(instructionsOf(0x02081800 | 719), frame(dwarf::rsp, 64,
-                                                      {{dwarf::rbp, 7},
-                                                       {dwarf::r15, 6},
-                                                       {dwarf::r14, 5},
-                                                       {dwarf::r13, 4},
-                                                       {dwarf::r12, 3},
-                                                       {dwarf::rbx, 2}}));
+    EXPECT_EQ(instructionsOf(0x02081800), frame(x86_64::rsp, 64,
+                                                {{x86_64::rbx, 7},
+                                                 {x86_64::r12, 6},
+                                                 {x86_64::r13, 5},
+                                                 {x86_64::r14, 4},
+                                                 {x86_64::r15, 3},
+                                                 {x86_64::rbp, 2}}));
+    EXPECT_EQ(instructionsOf(0x02081800 | 719), frame(x86_64::rsp, 64,
+                                                      {{x86_64::rbp, 7},
+                                                       {x86_64::r15, 6},
+                                                       {x86_64::r14, 5},
+                                                       {x86_64::r13, 4},
+                                                       {x86_64::r12, 3},
+                                                       {x86_64::rbx, 2}}));
     // r15, rbx, r14: fifth of six, first of what is left, third of what is left then.
     EXPECT_EQ(instructionsOf(0x02050c00 | (4 * 20 + 0 * 4 + 2)),
-              frame(dwarf::rsp, 40, {{dwarf::r15, 4}, {dwarf::rbx, 3}, {dwarf::r14, 2}}));
+              frame(x86_64::rsp, 40, {{x86_64::r15, 4}, {x86_64::rbx, 3}, {x86_64::r14, 2}}));
 }
 
 TEST(CompactUnwind, stackSizesInTheCode) {
@@ -111,7 +111,7 @@ TEST(CompactUnwind, stackSizesInTheCode) {
     ByteString text(textSize);
     set<std::uint32_t>(text, 0x1007, 0x12345 * 8);
     EXPECT_EQ(instructionsOf(0x03000000 | 7 << 16 | 2 << 13 | 1 << 10, text),
-              frame(dwarf::rsp, 0x12345 * 8 + 16, {{dwarf::rbx, 2}}));
+              frame(x86_64::rsp, 0x12345 * 8 + 16, {{x86_64::rbx, 2}}));
 }
 
 TEST(CompactUnwind, functionsKnowTheirPersonalityAndHandlerTable) {

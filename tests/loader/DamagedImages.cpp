@@ -20,10 +20,10 @@ std::string loadError(const std::filesystem::path &file) {
     }
 }
 
-std::string parseError(const ByteString &contents) {
+std::string parseError(const ByteString &contents, const macho::Processor &processor) {
     static char symbol[64];
     try {
-        const auto file = MachOFile::parse(contents, "the file");
+        const auto file = MachOFile::parse(contents, "the file", processor);
         const macho::PreparedImage image(
             file.plan(),
             {[](const macho::Import &) -> void * { return symbol; },
@@ -34,8 +34,14 @@ std::string parseError(const ByteString &contents) {
     }
 }
 
-ByteString goodImage() {
-    return readFile(imageFile("classicOptimised/Plain"));
+ByteString goodImage(const macho::Processor &processor) {
+    return readFile(imageFile("classicOptimised/Plain", processor));
+}
+
+const macho::Processor &otherProcessor() {
+    return &macho::Processor::ofThisProgram() == &macho::Processor::x86_64
+               ? macho::Processor::arm64
+               : macho::Processor::x86_64;
 }
 
 std::vector<std::size_t> loadCommands(const ByteString &image) {

@@ -280,8 +280,11 @@ TEST(ExportTrie, mayBeAbsent) {
     EXPECT_EQ(exportsOf({0, 0}), "");
 }
 
-TEST(ChainedFixups, ofAnUnknownFormAreAnError) {
-    const auto whole = readFile(imageFile("chainedOptimised/Plain"));
+class ChainedFixups : public OnEveryProcessor {};
+INSTANTIATE_TEST_SUITE_P(, ChainedFixups, testing::ValuesIn(allProcessors), processorName);
+
+TEST_P(ChainedFixups, ofAnUnknownFormAreAnError) {
+    const auto whole = read("chainedOptimised/Plain");
     const auto command = findCommand(whole, chainedFixupsCommand);
     const auto table = get<std::uint32_t>(whole, command + 8);
     for (std::size_t field = 0; field < 28; field += 4) {
@@ -292,8 +295,8 @@ TEST(ChainedFixups, ofAnUnknownFormAreAnError) {
     EXPECT_EQ(parseError(whole), "parsed");
 }
 
-TEST(ChainedFixups, withEveryByteWrongInTurn) {
-    const auto whole = readFile(imageFile("chainedOptimised/Plain"));
+TEST_P(ChainedFixups, withEveryByteWrongInTurn) {
+    const auto whole = read("chainedOptimised/Plain");
     const auto command = findCommand(whole, chainedFixupsCommand);
     const auto table = get<std::uint32_t>(whole, command + 8);
     const auto size = get<std::uint32_t>(whole, command + 12);

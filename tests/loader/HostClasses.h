@@ -16,13 +16,17 @@ struct Words {
     long first, second;
 };
 
+struct Vector {
+    double x, y, z, w;
+};
+
 /// Answered in two registers of the floating-point unit, which no class of C++ is.
 // NOLINTNEXTLINE(modernize-use-using): __extension__ stands before no 'using'.
 __extension__ typedef _Complex long double ComplexLongDouble;
 
 @interface TestAnswerer : NSObject
 + (int)classAnswer;
-- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(int)g h:(int)h;
+- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(long)g h:(long)h;
 - (double)productOf:(double)a
                   b:(double)b
                   c:(double)c
@@ -40,6 +44,7 @@ __extension__ typedef _Complex long double ComplexLongDouble;
 - (struct Large)largeAnswer:(double)scale;
 - (struct Pair)pairAnswer;
 - (struct Words)wordsAnswer;
+- (struct Vector)vectorAnswer;
 - (id)join:(NSString *)format, ...;
 - (id)autoreleasedAnswer;
 @end

@@ -56,8 +56,8 @@ int livingAnswerers() {
     [super dealloc];
 }
 
-- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(int)g h:(int)h {
-    return a + 2 * b + 3 * c + 4 * d + 5 * e + 6 * f + 7 * g + 8 * h;
+- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(long)g h:(long)h {
+    return a + 2 * b + 3 * c + 4 * d + 5 * e + 6 * f + static_cast<int>(7 * g + 8 * h);
 }
 
 - (double)productOf:(double)a
@@ -103,6 +103,10 @@ int livingAnswerers() {
 
 - (struct Words)wordsAnswer {
     return {LONG_MIN, 42};
+}
+
+- (struct Vector)vectorAnswer {
+    return {1, 2, 3, 4};
 }
 
 - (id)join:(NSString *)format, ... {

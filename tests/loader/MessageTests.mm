@@ -43,25 +43,26 @@ TEST_P(Messages, passArgumentsOfEveryKind) {
     EXPECT_EQ(function<double(id)>("sendsMixture")(answerer()), 1 + 25 + 25 - 4000 + 50000 + 1 + 6);
 }
 
+// On arm64 methods with variable arguments look for them in registers, where images put none.
+#ifdef __x86_64__
 TEST_P(Messages, passVariableArguments) {
     NSString *const text = function<id(id)>("sendsVariableArguments")(answerer());
     EXPECT_STREQ([text UTF8String], "3 4.25 five 6.5");
 }
+#endif
 
 TEST_P(Messages, bringAnswersOfEveryKind) {
     id target = answerer();
     EXPECT_EQ(function<int(id)>("sendsForSmall")(target), -5);
     EXPECT_EQ(function<float(id)>("sendsForFloat")(target), 1.25f);
-    EXPECT_EQ(function<long double(id)>("sendsForLongDouble")(target), 3.5L);
-    const auto complex = function<ComplexLongDouble(id)>("sendsForComplex")(target);
-    EXPECT_EQ(__real__ complex, 1.5L);
-    EXPECT_EQ(__imag__ complex, -2.5L);
     const auto large = function<Large(id, double)>("sendsForLarge")(target, 1.5);
     for (int i = 0; i < 6; ++i)
         EXPECT_EQ(large.values[i], 1.5 * (i + 1));
     const auto pair = function<Pair(id)>("sendsForPair")(target);
     EXPECT_EQ(pair.first, 0.5);
     EXPECT_EQ(pair.second, -0.25);
+    const auto vector = function<Vector(id)>("sendsForVector")(target);
+    EXPECT_EQ(vector.x + 10 * vector.y + 100 * vector.z + 1000 * vector.w, 4321.0);
     const auto words = function<Words(id)>("sendsForWords")(target);
     EXPECT_EQ(words.first, std::numeric_limits<long>::min());
     EXPECT_EQ(words.second, 42);
@@ -69,11 +70,19 @@ TEST_P(Messages, bringAnswersOfEveryKind) {
 
 /// Leaves values in the registers that answers come in.
 __attribute__((noinline)) void spoilAnswerRegisters() {
+#ifdef __aarch64__
+    asm volatile("mov x0, #-1\n mov x1, #-1\n"
+                 "fmov d0, #1.0\n fmov d1, #1.0\n fmov d2, #1.0\n fmov d3, #1.0\n"
+                 :
+                 :
+                 : "x0", "x1", "d0", "d1", "d2", "d3");
+#else
     asm volatile("movq $-1, %%rax\n movq $-1, %%rdx\n"
                  "pcmpeqd %%xmm0, %%xmm0\n pcmpeqd %%xmm1, %%xmm1\n"
                  :
                  :
                  : "rax", "rdx", "xmm0", "xmm1");
+#endif
 }
 
 TEST_P(Messages, toNilAnswerZero) {
@@ -86,6 +95,10 @@ TEST_P(Messages, toNilAnswerZero) {
     spoilAnswerRegisters();
     EXPECT_EQ(function<id(id)>("sendsVariableArguments")(nil), nil);
     spoilAnswerRegisters();
+    const auto vector = function<Vector(id)>("sendsForVector")(nil);
+    for (const double value : {vector.x, vector.y, vector.z, vector.w})
+        EXPECT_EQ(value, 0.0);
+    spoilAnswerRegisters();
     const auto pair = function<Pair(id)>("sendsForPair")(nil);
     EXPECT_EQ(pair.first, 0.0);
     EXPECT_EQ(pair.second, 0.0);
@@ -93,6 +106,16 @@ TEST_P(Messages, toNilAnswerZero) {
     const auto words = function<Words(id)>("sendsForWords")(nil);
     EXPECT_EQ(words.first, 0);
     EXPECT_EQ(words.second, 0);
+}
+
+// On arm64 an image's long double is a double: none comes from this system's code, or goes to it.
+#ifdef __x86_64__
+TEST_P(Messages, bringAnswersOfTheFloatingPointUnit) {
+    id target = answerer();
+    EXPECT_EQ(function<long double(id)>("sendsForLongDouble")(target), 3.5L);
+    const auto complex = function<ComplexLongDouble(id)>("sendsForComplex")(target);
+    EXPECT_EQ(__real__ complex, 1.5L);
+    EXPECT_EQ(__imag__ complex, -2.5L);
 }
 
 TEST_P(Messages, toNilAnswerZeroInTheFloatingPointUnit) {
@@ -105,6 +128,7 @@ TEST_P(Messages, toNilAnswerZeroInTheFloatingPointUnit) {
     }
     EXPECT_EQ(std::sqrt(static_cast<long double>(std::strlen("sixteen letters!"))), 4.0L);
 }
+#endif
 
 TEST_P(Messages, toNilForStructuresReturnTheirAddress) {
     const auto large = function<Large(id, double)>("sendsForLarge")(nil, 1.5);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "macos/loader/Image.h"
+#include "macos/loader/Processor.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -8,10 +9,13 @@
 
 #include <gtest/gtest.h>
 
-/// The images of the folder images/, as the build left them.
+/// The images of the folder images/, as the build left them; those for this program's processor,
+/// which can be run, unless another is named.
 
-inline std::filesystem::path imageFile(const std::string &name) {
-    return std::filesystem::path(TEST_IMAGES) / name;
+inline std::filesystem::path
+imageFile(const std::string &name,
+          const macho::Processor &processor = macho::Processor::ofThisProgram()) {
+    return std::filesystem::path(TEST_IMAGES) / processor.name / name;
 }
 
 /// The ways in which most images are compiled: with the classic tables of fixups or with chained

@@ -4,10 +4,10 @@
 #include "macos/loader/DwarfCode.h"
 
 macho::UnwindTable translate(const ByteString &section, const macho::DwarfFrames &frames,
-                             const ByteString &text) {
+                             const ByteString &text, const macho::Processor &processor) {
     const macho::Reporter reporter("image");
     const macho::UnwindSource source{imageSize, section, 0, text};
-    return macho::translateCompactUnwind(source, frames, reporter);
+    return macho::translateCompactUnwind(source, processor, frames, reporter);
 }
 
 ByteString frame(std::uint8_t reg, std::uint64_t offset,

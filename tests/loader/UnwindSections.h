@@ -3,6 +3,7 @@
 #include "tests/loader/ByteStrings.h"
 
 #include "macos/loader/DwarfFrames.h"
+#include "macos/loader/Processor.h"
 #include "macos/loader/UnwindTable.h"
 
 #include <cstdint>
@@ -90,7 +91,8 @@ private:
 
 /// What the loader makes of an __unwind_info section.
 macho::UnwindTable translate(const ByteString &section, const macho::DwarfFrames &frames = {},
-                             const ByteString &text = ByteString(textSize));
+                             const ByteString &text = ByteString(textSize),
+                             const macho::Processor &processor = macho::Processor::x86_64);
 
 /// The call frame instructions for: the frame address is `reg` plus `offset`, and these registers
 /// are saved so many words below it.

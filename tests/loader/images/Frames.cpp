@@ -40,6 +40,16 @@ int manyRegisters(Callback callback, int *count) {
     return static_cast<int>(a + 2 * b + 3 * c + 4 * d + 5 * e + 6 * f);
 }
 
+// The same with numbers of floating point; arm64 has registers for these, too.
+int manyVectorRegisters(Callback callback, int *count) {
+    volatile double source = 0.5;
+    const double a = source, b = source, c = source, d = source, e = source, f = source, g = source,
+                 h = source;
+    const CleanUp cleanUp{count};
+    callback();
+    return static_cast<int>(a + 2 * b + 3 * c + 4 * d + 5 * e + 6 * f + 7 * g + 8 * h);
+}
+
 int largeStack(Callback callback, int *count) {
     char buffer[70000];
     std::memset(buffer, *count, sizeof buffer);

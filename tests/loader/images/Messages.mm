@@ -14,10 +14,14 @@ struct Words {
     long first, second;
 };
 
+struct Vector {
+    double x, y, z, w;
+};
+
 /// Implemented by the program that loads the image.
 @interface TestAnswerer : NSObject
 + (int)classAnswer;
-- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(int)g h:(int)h;
+- (int)sumOf:(int)a b:(int)b c:(int)c d:(int)d e:(int)e f:(int)f g:(long)g h:(long)h;
 - (double)productOf:(double)a
                   b:(double)b
                   c:(double)c
@@ -35,6 +39,7 @@ struct Words {
 - (struct Large)largeAnswer:(double)scale;
 - (struct Pair)pairAnswer;
 - (struct Words)wordsAnswer;
+- (struct Vector)vectorAnswer;
 - (id)join:(NSString *)format, ...;
 - (id)unknownToEveryone;
 @end
@@ -84,6 +89,10 @@ Pair sendsForPair(TestAnswerer *target) {
 
 Words sendsForWords(TestAnswerer *target) {
     return [target wordsAnswer];
+}
+
+Vector sendsForVector(TestAnswerer *target) {
+    return [target vectorAnswer];
 }
 
 id sendsVariableArguments(TestAnswerer *target) {
