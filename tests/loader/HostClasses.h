@@ -38,6 +38,19 @@ __extension__ typedef _Complex long double ComplexLongDouble;
                   i:(double)i;
 - (double)mix:(int)a b:(double)b c:(float)c d:(long)d e:(char)e f:(struct Large)f;
 - (signed char)smallAnswer;
+- (signed char)lowByteOf:(int)value;
+- (unsigned char)lowUnsignedByteOf:(int)value;
+- (short)lowHalfOf:(int)value;
+- (unsigned short)lowUnsignedHalfOf:(int)value;
+- (signed char)lowByteOf:(long)a
+                       b:(long)b
+                       c:(long)c
+                       d:(long)d
+                       e:(long)e
+                       f:(long)f
+                       g:(long)g
+                       h:(long)h;
++ (signed char)lowByteOf:(int)value;
 - (float)floatAnswer;
 - (long double)longDoubleAnswer;
 - (ComplexLongDouble)complexAnswer;

@@ -16,6 +16,25 @@ extern "C" {
 int hostNumber(int value);
 int chosen();
 
+// Of interfaces that this program does not have otherwise: each answers what is left of its first
+// argument.
+unsigned char CFStringGetCString(long value, char *buffer, long size, unsigned encoding);
+unsigned char CFURLGetFSRef(long value, void *reference);
+short FSGetCatalogInfo(long value, unsigned which, void *info, void *name, void *spec,
+                       void *parent);
+
+unsigned char CFStringGetCString(long value, char *, long, unsigned) {
+    return static_cast<unsigned char>(value);
+}
+
+unsigned char CFURLGetFSRef(long value, void *) {
+    return static_cast<unsigned char>(value);
+}
+
+short FSGetCatalogInfo(long value, unsigned, void *, void *, void *, void *) {
+    return static_cast<short>(value);
+}
+
 int hostNumber(int value) {
     return value + 1000;
 }
@@ -79,6 +98,39 @@ int livingAnswerers() {
 
 - (signed char)smallAnswer {
     return -5;
+}
+
+// What is cut off here stays in the register, where this system's callers expect it.
+
+- (signed char)lowByteOf:(int)value {
+    return static_cast<signed char>(value);
+}
+
+- (unsigned char)lowUnsignedByteOf:(int)value {
+    return static_cast<unsigned char>(value);
+}
+
+- (short)lowHalfOf:(int)value {
+    return static_cast<short>(value);
+}
+
+- (unsigned short)lowUnsignedHalfOf:(int)value {
+    return static_cast<unsigned short>(value);
+}
+
+- (signed char)lowByteOf:(long)a
+                       b:(long)b
+                       c:(long)c
+                       d:(long)d
+                       e:(long)e
+                       f:(long)f
+                       g:(long)g
+                       h:(long)h {
+    return static_cast<signed char>(a | b | c | d | e | f | g | h);
+}
+
++ (signed char)lowByteOf:(int)value {
+    return static_cast<signed char>(value);
 }
 
 - (float)floatAnswer {
