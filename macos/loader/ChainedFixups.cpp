@@ -20,11 +20,16 @@ void checkForm(const MachOObjectFile &object, const Fixups &fixups) {
     auto segments = object.getChainedFixupsSegments();
     if (!segments)
         fixups.fail(llvm::toString(segments.takeError()));
-    for (const auto &segment : segments->second)
+    for (const auto &segment : segments->second) {
+        const auto form = segment.Header.pointer_format;
+        if (form != format::DYLD_CHAINED_PTR_64 && form != format::DYLD_CHAINED_PTR_64_OFFSET)
+            fixups.fail("pointers of form " + std::to_string(form) +
+                        " are not supported; those of arm64e are signed");
         for (const auto start : segment.PageStarts)
             if (start != format::DYLD_CHAINED_PTR_START_NONE && start >= segment.Header.page_size)
                 fixups.fail("a chain starts at " + hex(start) + " of a page of " +
                             hex(segment.Header.page_size) + " bytes");
+    }
 }
 
 } // namespace

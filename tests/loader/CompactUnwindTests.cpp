@@ -1,6 +1,7 @@
 #include "tests/loader/UnwindSections.h"
 
 #include "macos/loader/LoadError.h"
+#include "macos/loader/arm64/Registers.h"
 #include "macos/loader/x86_64/Registers.h"
 
 #include <string>
@@ -11,11 +12,13 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
+namespace arm64 = macho::arm64;
 namespace x86_64 = macho::x86_64;
 
-std::string translationError(const ByteString &section) {
+std::string translationError(const ByteString &section,
+                             const macho::Processor &processor = macho::Processor::x86_64) {
     try {
-        translate(section);
+        translate(section, {}, ByteString(textSize), processor);
         return "translated";
     } catch (const macho::LoadError &error) {
         return error.what();
@@ -112,6 +115,65 @@ TEST(CompactUnwind, stackSizesInTheCode) {
     set<std::uint32_t>(text, 0x1007, 0x12345 * 8);
     EXPECT_EQ(instructionsOf(0x03000000 | 7 << 16 | 2 << 13 | 1 << 10, text),
               frame(x86_64::rsp, 0x12345 * 8 + 16, {{x86_64::rbx, 2}}));
+}
+
+std::vector<std::uint8_t> arm64InstructionsOf(std::uint32_t encoding) {
+    const auto table = translate(Section().withRegularPage({{0x1000, encoding}}), {},
+                                 ByteString(textSize), macho::Processor::arm64);
+    return table.records.at(0).instructions;
+}
+
+std::string arm64EncodingError(std::uint32_t encoding) {
+    return translationError(Section().withRegularPage({{0x1000, encoding}}),
+                            macho::Processor::arm64);
+}
+
+TEST(CompactUnwindOfArm64, beginsWithNothingOnTheStack) {
+    const auto table = translate(Section().withRegularPage({{0x1000, 0x02000000}}), {},
+                                 ByteString(textSize), macho::Processor::arm64);
+    const auto &common = table.commons.at(table.records.at(0).common);
+    EXPECT_EQ(common.instructions, frame(arm64::sp, 0, {}));
+    EXPECT_EQ(common.returnAddressRegister, arm64::lr);
+    EXPECT_EQ(common.dataAlignment, -8);
+}
+
+TEST(CompactUnwindOfArm64, framesWithAPointer) {
+    EXPECT_EQ(arm64InstructionsOf(0x04000000),
+              frame(arm64::fp, 16, {{arm64::fp, 2}, {arm64::lr, 1}}));
+    // One pair after another below the two, each with its lower number on top.
+    const std::uint8_t firstOfPair[] = {19, 21, 23, 25, 27, 0, 0, 0, 72, 74, 76, 78};
+    for (const int bit : {0, 1, 2, 3, 4, 8, 9, 10, 11}) {
+        const std::uint8_t reg = firstOfPair[bit], next = reg + 1;
+        EXPECT_EQ(arm64InstructionsOf(0x04000000 | 1U << bit),
+                  frame(arm64::fp, 16, {{arm64::fp, 2}, {arm64::lr, 1}, {reg, 3}, {next, 4}}));
+    }
+    EXPECT_EQ(arm64InstructionsOf(0x04000f1f),
+              frame(arm64::fp, 16, {{arm64::fp, 2}, {arm64::lr, 1}, {19, 3},  {20, 4},  {21, 5},
+                                    {22, 6},        {23, 7},        {24, 8},  {25, 9},  {26, 10},
+                                    {27, 11},       {28, 12},       {72, 13}, {73, 14}, {74, 15},
+                                    {75, 16},       {76, 17},       {77, 18}, {78, 19}, {79, 20}}));
+}
+
+TEST(CompactUnwindOfArm64, framesWithoutAPointer) {
+    EXPECT_EQ(arm64InstructionsOf(0x02000000), frame(arm64::sp, 0, {}));
+    EXPECT_EQ(arm64InstructionsOf(0x02fff000), frame(arm64::sp, 65520, {}));
+    // "stp d9, d8, [sp, #-32]!; stp x20, x19, [sp, #16]"
+    EXPECT_EQ(arm64InstructionsOf(0x02002101),
+              frame(arm64::sp, 32, {{19, 1}, {20, 2}, {72, 3}, {73, 4}}));
+}
+
+TEST(CompactUnwindOfArm64, whatMakesNoSenseIsAnError) {
+    for (const std::uint32_t bit : {5U, 6U, 7U, 12U, 16U, 23U})
+        EXPECT_THAT(arm64EncodingError(0x04000000 | 1U << bit),
+                    HasSubstr("does not describe a frame"));
+    for (const std::uint32_t bit : {5U, 6U, 7U})
+        EXPECT_THAT(arm64EncodingError(0x02010000 | 1U << bit),
+                    HasSubstr("does not describe a stack"));
+    EXPECT_THAT(arm64EncodingError(0x02001101), HasSubstr("does not describe a stack"));
+    for (const std::uint32_t mode : {1U, 5U, 15U})
+        EXPECT_THAT(arm64EncodingError(mode << 24), HasSubstr("is of no known mode"));
+    EXPECT_THAT(arm64EncodingError(0x03000010), HasSubstr("has no record in __TEXT,__eh_frame"));
+    EXPECT_THAT(arm64EncodingError(0x14000000), HasSubstr("names personality 1"));
 }
 
 TEST(CompactUnwind, functionsKnowTheirPersonalityAndHandlerTable) {

@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 using Callback = void (*)();
@@ -90,6 +92,16 @@ TEST_P(CxxExceptions, thrownByTheImageAreCaughtByTheProcess) {
     }
 }
 
+TEST_P(CxxExceptions, ofTypesThatImagesShareAreCaughtByEach) {
+    const LoadedImage other(GetParam(), "CxxCatches");
+    const auto catches = function<int(void (*)(int), int)>("catchesSharedOrHidden");
+    for (const auto &thrower : {std::cref(image_), std::cref(other)}) {
+        EXPECT_EQ(catches(thrower.get().function<void(int)>("throwsShared"), 5), 5);
+        EXPECT_EQ(catches(thrower.get().function<void(int)>("throwsHidden"), 5), -5);
+    }
+    EXPECT_EQ(outcomeOf([&] { function<void(int)>("throwsHidden")(5); }), Outcome::other);
+}
+
 TEST_P(CxxExceptions, nest) {
     const auto catches = function<int(Callback, Callback)>("catchesWithin");
     EXPECT_EQ(catches(throwOutOfRange, throwInteger), 111);
@@ -147,6 +159,22 @@ TEST_P(CxxExceptions, areHandledByThreadsAtTheSameTime) {
         });
     for (auto &thread : threads)
         thread.join();
+}
+
+TEST_P(CxxExceptions, doNotAddUp) {
+    const auto catches = function<int(Callback, int *)>("catchesByBase");
+    const auto passes = function<int(Callback, int *)>("rethrows");
+    const auto catchesOwn = function<int(int)>("catchesOwn");
+    outcomeOf([&] { passes(throwOutOfRange, &count_); });
+    count_ = 0;
+    const auto before = mallinfo2().uordblks;
+    for (int i = 0; i < 20000; ++i) {
+        ASSERT_EQ(catches(throwOutOfRange, &count_), 1);
+        ASSERT_EQ(outcomeOf([&] { passes(throwOutOfRange, &count_); }), Outcome::outOfRange);
+        ASSERT_EQ(catchesOwn(i), i);
+    }
+    EXPECT_EQ(count_, 20000 * (1 + 12));
+    EXPECT_LT(mallinfo2().uordblks, before + 20000);
 }
 
 TEST_P(CxxExceptions, passAfterOtherImagesHaveComeAndGone) {

@@ -211,6 +211,14 @@ TEST(EhFrame, ofNothingIsOnlyTheEnd) {
     const macho::RegisteredFrames registered(section); // and can be registered
 }
 
+TEST(DwarfCode, savedRegistersHaveAShortFormWhileTheyFit) {
+    DwarfCode code;
+    code.saved(63, 2);
+    code.saved(64, 3);
+    code.saved(72, 200);
+    EXPECT_EQ(code.bytes, (ByteString{0xbf, 2, 0x05, 64, 3, 0x05, 72, 0xc8, 0x01}));
+}
+
 TEST(DwarfCode, numbersAreAsShortAsTheyCanBe) {
     const auto unsignedBytes = [](std::uint64_t value) {
         DwarfCode code;

@@ -295,6 +295,22 @@ TEST_P(ChainedFixups, ofAnUnknownFormAreAnError) {
     EXPECT_EQ(parseError(whole), "parsed");
 }
 
+TEST_P(ChainedFixups, ofPointersOfAnotherFormAreAnError) {
+    const auto whole = read("chainedOptimised/Plain");
+    const auto table = get<std::uint32_t>(whole, findCommand(whole, chainedFixupsCommand) + 8);
+    const auto starts = table + get<std::uint32_t>(whole, table + 4);
+    const auto constants = starts + get<std::uint32_t>(whole, starts + 4 + 4); // the second segment
+    const auto form = constants + 6;
+    EXPECT_THAT(get<std::uint16_t>(whole, form), testing::AnyOf(2, 6));
+    for (const int other : {1, 3, 7, 9, 12}) {
+        auto damaged = whole;
+        set(damaged, form, static_cast<std::uint16_t>(other));
+        EXPECT_EQ(parseError(damaged), "the file: chained fixups: pointers of form " +
+                                           std::to_string(other) +
+                                           " are not supported; those of arm64e are signed");
+    }
+}
+
 TEST_P(ChainedFixups, withEveryByteWrongInTurn) {
     const auto whole = read("chainedOptimised/Plain");
     const auto command = findCommand(whole, chainedFixupsCommand);

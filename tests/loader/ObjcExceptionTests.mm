@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include <malloc.h>
+
 namespace {
 
 using Callback = void (*)();
@@ -303,13 +305,20 @@ TEST_P(ObjcExceptions, areHandledByThreadsAtTheSameTime) {
 
 TEST_P(ObjcExceptions, doNotAddUp) {
     const auto catches = function<id(Callback, int *)>("catchesException");
-    for (int i = 0; i < 20000; ++i) {
+    const auto passes = function<void(Callback, int *)>("passes");
+    const auto once = [&] {
         NSAutoreleasePool *const pool = [NSAutoreleasePool new];
         catches(throwCounted, &count_);
+        nameOfThrown([&] { passes(throwCounted, &count_); });
         [pool release];
-    }
-    EXPECT_EQ(count_, 20000 * 101);
+    };
+    once();
+    const auto before = mallinfo2().uordblks;
+    for (int i = 1; i < 20000; ++i)
+        once();
+    EXPECT_EQ(count_, 20000 * (101 + 1));
     EXPECT_EQ([CountedException living], 0);
+    EXPECT_LT(mallinfo2().uordblks, before + 20000);
 }
 
 } // namespace

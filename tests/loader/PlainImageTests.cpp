@@ -1,6 +1,7 @@
 #include "tests/loader/TestImages.h"
 
 #include "macos/loader/MachOFile.h"
+#include "macos/loader/Mapping.h"
 
 #include <array>
 #include <cerrno>
@@ -238,6 +239,20 @@ TEST_P(PlainImage, weakDefinitionsAreItsOwn) {
 TEST_P(PlainImage, guardedBuffersWork) {
     const auto plain = load();
     EXPECT_EQ(plain.function<unsigned long(const char *)>("guardedLength")("twelve chars"), 12U);
+}
+
+TEST(Image, needsPagesNoLargerThanItsOwn) {
+    macho::ImagePlan plan;
+    plan.source = "image";
+    plan.size = plan.pageSize = 2048;
+    try {
+        const macho::Mapping mapping(plan);
+        FAIL() << "mapped";
+    } catch (const LoadError &error) {
+        EXPECT_EQ(error.what(), "image: its segments begin at multiples of 2048 bytes, but this "
+                                "system's pages have " +
+                                    std::to_string(sysconf(_SC_PAGESIZE)));
+    }
 }
 
 TEST(Image, loadsLibraries) {

@@ -30,6 +30,15 @@ struct Copied {
 
 } // namespace
 
+/// Unlike those above, of every image that has it, and compared by name. In a hidden one on arm64 the
+/// highest bit of the name's address says so.
+struct Shared {
+    int value;
+};
+struct __attribute__((visibility("hidden"))) Hidden {
+    int value;
+};
+
 extern "C" {
 
 int catchesByBase(Callback callback, int *count) {
@@ -155,6 +164,25 @@ int catchesOwn(int code) {
     } catch (const OwnError &error) {
         return error.code;
     }
+}
+
+void throwsShared(int value) {
+    throw Shared{value};
+}
+
+void throwsHidden(int value) {
+    throw Hidden{value};
+}
+
+int catchesSharedOrHidden(void (*callback)(int), int value) {
+    try {
+        callback(value);
+    } catch (const Shared &shared) {
+        return shared.value;
+    } catch (const Hidden &hidden) {
+        return -hidden.value;
+    }
+    return 0;
 }
 
 int catchesCopy(int value) {
