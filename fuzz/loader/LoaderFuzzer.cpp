@@ -1,4 +1,5 @@
-// Feeds the loader damaged files, up to the point where an image's code would run.
+// Feeds the loader damaged files, up to the point where an image's code would run, as images for
+// every processor that it knows.
 //
 //   fuzz_loader CORPUS                        CORPUS: a folder that begins with some real images
 //
@@ -30,11 +31,12 @@ void *selector(const char *name) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    try {
-        const auto file = macho::MachOFile::parse({data, size}, "input");
-        const macho::PreparedImage image(file.plan(), {findImport, selector});
-    } catch (const macho::LoadError &) {
-        return 0; // what a damaged file deserves
-    }
+    for (const auto *processor : {&macho::Processor::x86_64, &macho::Processor::arm64})
+        try {
+            const auto file = macho::MachOFile::parse({data, size}, "input", *processor);
+            const macho::PreparedImage image(file.plan(), {findImport, selector});
+        } catch (const macho::LoadError &) {
+            continue; // what a damaged file deserves
+        }
     return 0;
 }

@@ -225,4 +225,14 @@ TEST(Corpus, isReadWithoutHarm) {
     EXPECT_GT(files, 0);
 }
 
+/// What the fuzzer begins with. These have no gaps between segments, as linkers leave them.
+TEST(Corpus, beginsWithSoundImagesForArm64) {
+    for (const char *name : {"/arm64-classic", "/arm64-chained", "/arm64-and-x86_64"})
+        EXPECT_EQ(parseError(readFile(TEST_CORPUS + std::string(name)), macho::Processor::arm64),
+                  "parsed")
+            << name;
+    EXPECT_EQ(parseError(readFile(TEST_CORPUS "/arm64-and-x86_64"), macho::Processor::x86_64),
+              "parsed");
+}
+
 } // namespace
