@@ -30,8 +30,8 @@ struct Copied {
 
 } // namespace
 
-/// Unlike those above, of every image that has it, and compared by name. In a hidden one on arm64 the
-/// highest bit of the name's address says so.
+/// Unlike those above, of every image that has it, and compared by name. In a hidden one on arm64
+/// the highest bit of the name's address says so.
 struct Shared {
     int value;
 };
