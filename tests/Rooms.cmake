@@ -3,7 +3,7 @@ cmake_minimum_required(VERSION 3.25)
 
 # From the lowest room to the highest.
 set(plugin frame bridge convert processinfo)
-set(host host/core host/crash host/image host/memory host/language host/classes host/services host/family host
+set(host host/processor host/core host/crash host/image host/memory host/language host/classes host/services host/family host
     host/program host/zkthost)
 
 set(wrong "")

@@ -6,6 +6,7 @@
 #include "host/core/PluginCall.h"
 #include "host/core/UsageError.h"
 #include "host/language/Names.h"
+#include "host/processor/Processor.h"
 
 #include <ffi.h>
 
@@ -224,10 +225,8 @@ public:
 
 private:
     static constexpr std::size_t limit = 16;
-    // The registers that the calling convention passes arguments in.
-    static constexpr std::size_t integerRegisters = 6;
-    static constexpr std::size_t realRegisters = 8;
-    static constexpr std::size_t places = limit + integerRegisters + realRegisters;
+    static constexpr std::size_t places =
+        limit + processor::integerRegisters + processor::realRegisters;
 
     Slot &next(ffi_type *type) {
         if (count_ == limit)
@@ -285,9 +284,9 @@ void Call::fillRegisters() {
         std::count_if(types_.begin(), types_.begin() + count_,
                       [](auto *t) { return t == &ffi_type_double || t == &ffi_type_float; }));
     const std::size_t integers = count_ - reals;
-    for (std::size_t i = integers; i < integerRegisters; ++i)
+    for (std::size_t i = integers; i < processor::integerRegisters; ++i)
         append(&ffi_type_uint64).uint64 = registerFiller;
-    for (std::size_t i = reals; i < realRegisters; ++i)
+    for (std::size_t i = reals; i < processor::realRegisters; ++i)
         append(&ffi_type_double).uint64 = registerFiller;
 }
 

@@ -1,9 +1,9 @@
 #include "host/crash/CrashHandler.h"
 
 #include "host/crash/Places.h"
+#include "host/crash/Registers.h"
 
 #include <sys/wait.h>
-#include <ucontext.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -135,7 +135,7 @@ void tell(int signal, const siginfo_t &info, const ucontext_t &context) {
     nameSignal(writer, signal, info);
     writer << "\n";
     writer.flush();
-    const auto address = static_cast<std::uintptr_t>(context.uc_mcontext.gregs[REG_RIP]);
+    const auto address = registersOf(context).instruction;
     if (!tellTheWayApart(context)) {
         writer << "  at ";
         const LoadedImage *const image = imageAt(address);

@@ -1,16 +1,17 @@
 #include "host/crash/Places.h"
 
+#include "host/crash/Registers.h"
+#include "host/processor/Processor.h"
+
 #include <llvm/DebugInfo/Symbolize/Symbolize.h>
 
 #include <dlfcn.h>
 #include <sys/uio.h>
-#include <ucontext.h>
 #include <unistd.h>
 #include <unwind.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 
 namespace crash {
 
@@ -34,23 +35,13 @@ _Unwind_Reason_Code take(_Unwind_Context *context, void *argument) {
     return address == 0 || walk.found.size() == longestWay ? _URC_END_OF_STACK : _URC_NO_REASON;
 }
 
-/// The word at an address that may lead nowhere.
-std::optional<std::uintptr_t> wordAt(std::uintptr_t address) {
-    std::uintptr_t word = 0;
-    iovec here{.iov_base = &word, .iov_len = sizeof word};
-    iovec there{.iov_base = reinterpret_cast<void *>(address), .iov_len = sizeof word};
-    return process_vm_readv(getpid(), &here, 1, &there, 1, 0) == sizeof word ? std::optional(word)
-                                                                             : std::nullopt;
-}
-
-/// By the frames that functions link in rbp. After a call to where no code is, the caller's address
-/// lies on top of the stack.
-std::vector<std::uintptr_t> byFramePointers(const ucontext_t &context) {
-    const auto &registers = context.uc_mcontext.gregs;
-    std::vector<std::uintptr_t> found{static_cast<std::uintptr_t>(registers[REG_RIP])};
-    if (const auto caller = wordAt(static_cast<std::uintptr_t>(registers[REG_RSP])))
-        found.push_back(*caller - 1);
-    auto frame = static_cast<std::uintptr_t>(registers[REG_RBP]);
+/// By the frames that functions link. The first caller may be told twice: a function that has its
+/// own frame already has kept it there.
+std::vector<std::uintptr_t> byFramePointers(const Registers &registers) {
+    std::vector<std::uintptr_t> found{registers.instruction};
+    if (registers.caller)
+        found.push_back(*registers.caller - 1);
+    auto frame = registers.frame;
     while (found.size() < longestWay) {
         const auto outer = wordAt(frame);
         const auto caller = wordAt(frame + sizeof frame);
@@ -122,11 +113,20 @@ std::string inWords(const llvm::DIInliningInfo &info) {
 
 } // namespace
 
+std::optional<std::uintptr_t> wordAt(std::uintptr_t address) {
+    std::uintptr_t word = 0;
+    iovec here{.iov_base = &word, .iov_len = sizeof word};
+    iovec there{.iov_base = reinterpret_cast<void *>(address), .iov_len = sizeof word};
+    return process_vm_readv(getpid(), &here, 1, &there, 1, 0) == sizeof word ? std::optional(word)
+                                                                             : std::nullopt;
+}
+
 std::vector<std::uintptr_t> backtrace(const ucontext_t &context) {
-    Walk walk{.start = static_cast<std::uintptr_t>(context.uc_mcontext.gregs[REG_RIP])};
+    const Registers registers = registersOf(context);
+    Walk walk{.start = registers.instruction};
     if (walk.start != 0)
         _Unwind_Backtrace(take, &walk);
-    return walk.found.size() > 1 ? walk.found : byFramePointers(context);
+    return walk.found.size() > 1 ? walk.found : byFramePointers(registers);
 }
 
 std::string placeInWords(std::uintptr_t address, const std::vector<LoadedImage> &images) {
@@ -137,7 +137,7 @@ std::string placeInWords(std::uintptr_t address, const std::vector<LoadedImage> 
         std::filesystem::path(place->file).filename().string() + '+' + hexadecimal(place->offset);
 
     llvm::symbolize::LLVMSymbolizer::Options options;
-    options.DefaultArch = "x86_64";
+    options.DefaultArch = processor::name;
     options.DsymHints = debugFilesOf(images);
     static llvm::symbolize::LLVMSymbolizer symbolizer(options);
     auto inlined = symbolizer.symbolizeInlinedCode(

@@ -1,5 +1,7 @@
 #include "host/image/ImageFiles.h"
 
+#include "host/processor/Processor.h"
+
 #include <llvm/Object/ELFObjectFile.h>
 
 #include <dlfcn.h>
@@ -37,9 +39,9 @@ public:
     explicit ElfPlan(const std::filesystem::path &file) : file_(file) {
         binary_ = must(llvm::object::ObjectFile::createObjectFile(file.string()), file);
         elf_ = llvm::dyn_cast<ElfFile>(binary_.getBinary());
-        if (elf_ == nullptr || elf_->getELFFile().getHeader().e_machine != EM_X86_64 ||
+        if (elf_ == nullptr || elf_->getELFFile().getHeader().e_machine != processor::elfMachine ||
             elf_->getELFFile().getHeader().e_type != ET_DYN)
-            throw ImageError(file, "no shared object for x86-64");
+            throw ImageError(file, "no shared object for " + std::string(processor::name));
         for (const auto &header : must(elf_->getELFFile().program_headers(), file)) {
             const Range range{header.p_vaddr, header.p_vaddr + header.p_memsz};
             if (header.p_type == PT_LOAD) {
@@ -91,8 +93,8 @@ std::vector<std::uint64_t> ElfPlan::slotsOf(const std::string &name) const {
     std::vector<std::uint64_t> slots;
     for (const auto section : binary_.getBinary()->dynamic_relocation_sections())
         for (const llvm::object::ELFRelocationRef relocation : section.relocations()) {
-            const std::uint64_t type = relocation.getType();
-            if (type != R_X86_64_GLOB_DAT && type != R_X86_64_64 && type != R_X86_64_JUMP_SLOT)
+            if (std::ranges::find(processor::elfAddresses, relocation.getType()) ==
+                processor::elfAddresses.end())
                 continue;
             const auto symbol = relocation.getSymbol();
             if (symbol != elf_->symbol_end() && must(symbol->getName(), file_) == name)

@@ -1,3 +1,4 @@
+#include "host/processor/Processor.h"
 #include "tests/host/FakePlugin.h"
 
 #include <filesystem>
@@ -51,6 +52,8 @@ void expectRefused(const fs::path &path, const std::string &what) {
                 ThrowsMessage<ImageError>(
                     AllOf(StartsWith(path.string()), HasSubstr(what), Not(HasSubstr("\n")))));
 }
+
+const std::string noSharedObject = "no shared object for " + std::string(processor::name);
 
 TEST(Image, SharedObjectGivesItsEntryPoint) {
     Host host;
@@ -171,8 +174,8 @@ TEST(BadImage, SharedObjectWithoutTheEntryPointIsNotRun) {
 
 TEST(BadImage, OtherProcessors) {
     std::string content = contentOf(imageNamed("Minimal"));
-    content[18] = '\xB7';
-    expectRefused(fileWith("aarch64.so", content), "no shared object for x86-64");
+    content[18] = processor::name == "arm64" ? '\x3E' : '\xB7'; // the low byte of the machine
+    expectRefused(fileWith("other.so", content), noSharedObject);
     content[4] = 1;
     expectRefused(fileWith("narrow.so", content), "");
 }
@@ -180,7 +183,7 @@ TEST(BadImage, OtherProcessors) {
 TEST(BadImage, NoSharedObject) {
     std::string content = contentOf(imageNamed("Minimal"));
     content[16] = 1;
-    expectRefused(fileWith("object.o", content), "no shared object for x86-64");
+    expectRefused(fileWith("object.o", content), noSharedObject);
 }
 
 TEST(BadImage, CutAnywhere) {

@@ -11,10 +11,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
+#include <bit>
 #include <objc/runtime.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 using testing::ElementsAre;
 using testing::StartsWith;
@@ -75,22 +77,32 @@ private:
 class GeneratedCode {
 public:
     explicit GeneratedCode(IMP function) {
-        // movabs $function, %rax; jmp *%rax
-        std::array<unsigned char, 12> code = {0x48, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xE0};
-        std::memcpy(&code[2], reinterpret_cast<const void *>(&function), sizeof function);
-        std::memcpy(page_, code.data(), code.size());
-        mprotect(page_, pageSize, PROT_READ | PROT_EXEC);
+        const auto address = std::bit_cast<std::array<unsigned char, sizeof function>>(function);
+        unsigned char *end = std::ranges::copy(loading, page_).out;
+        end = std::ranges::copy(address, end).out;
+        std::ranges::copy(jumping, end);
+        __builtin___clear_cache(page_, page_ + pageSize_);
+        mprotect(page_, pageSize_, PROT_READ | PROT_EXEC);
     }
-    ~GeneratedCode() { munmap(page_, pageSize); }
+    ~GeneratedCode() { munmap(page_, pageSize_); }
     GeneratedCode(const GeneratedCode &) = delete;
     GeneratedCode &operator=(const GeneratedCode &) = delete;
 
     [[nodiscard]] IMP function() const { return reinterpret_cast<IMP>(page_); }
 
 private:
-    static constexpr std::size_t pageSize = 4096;
-    void *page_ =
-        mmap(nullptr, pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    // Between them stands the function's address.
+#ifdef __x86_64__
+    static constexpr std::array<unsigned char, 2> loading{0x48, 0xB8}; // movabs $function, %rax
+    static constexpr std::array<unsigned char, 2> jumping{0xFF, 0xE0}; // jmp *%rax
+#else
+    static constexpr std::array<unsigned char, 8> loading{0x50, 0x00, 0x00, 0x58,  // ldr x16, .+8
+                                                          0x00, 0x02, 0x1F, 0xD6}; // br x16
+    static constexpr std::array<unsigned char, 0> jumping{};
+#endif
+    const std::size_t pageSize_ = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    unsigned char *const page_ = static_cast<unsigned char *>(
+        mmap(nullptr, pageSize_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
 };
 
 struct MethodOfNoLibrary : testing::Test {
