@@ -2,7 +2,12 @@
 find_path(GNUSTEP_INCLUDE GNUstepBase/GSConfig.h PATH_SUFFIXES GNUstep REQUIRED)
 find_library(GNUSTEP_BASE_LIBRARY gnustep-base REQUIRED)
 # libobjc's headers and library live in GCC's own folder; its other headers must stay behind clang's.
-execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libobjc.so
+# Where commands of our own call the compiler.
+set(TARGET_FLAGS "")
+if(CMAKE_CROSSCOMPILING)
+    set(TARGET_FLAGS --target=${CMAKE_CXX_COMPILER_TARGET} --sysroot=${CMAKE_SYSROOT})
+endif()
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${TARGET_FLAGS} -print-file-name=libobjc.so
                 OUTPUT_VARIABLE LIBOBJC OUTPUT_STRIP_TRAILING_WHITESPACE)
 if(NOT IS_ABSOLUTE "${LIBOBJC}")
     message(FATAL_ERROR "No libobjc.so in GCC's folder (package libobjc-NN-dev).")

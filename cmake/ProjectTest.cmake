@@ -17,7 +17,7 @@ add_dependencies(whole_tests tests)
 # change has to pass: where PART is given, it makes the set smaller there; with WHOLE_ONLY there is no
 # such set, and the program is built for "Whole" alone.
 function(test_set set program)
-    if(NOT TARGET ${program}) # sanitized, for a Mac
+    if(NOT TARGET ${program}) # sanitized, for a Mac or emulated
         return()
     endif()
     cmake_parse_arguments(PARSE_ARGV 2 ARG "WHOLE_ONLY" "" "PART")
@@ -65,7 +65,7 @@ endfunction()
 # same test objects linked with everything under test as the sanitizers want it. Sources that must
 # know of that are compiled again, with these definitions. To be called when NAME is complete.
 function(sanitized_tests NAME)
-    if(MACOS_HOST)
+    if(MACOS_HOST OR CMAKE_CROSSCOMPILING)
         return()
     endif()
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "COMPILED_AGAIN;DEFINITIONS")

@@ -47,6 +47,9 @@ endfunction()
 # sources are compiled as one, in half of the time: local names of a target's sources must differ,
 # unless SKIP_UNITY_BUILD_INCLUSION is set for them.
 function(sanitized_twin target)
+    if(CMAKE_CROSSCOMPILING) # a sanitizer's runtime is there for this machine alone
+        return()
+    endif()
     get_target_property(type ${target} TYPE)
     string(REPLACE "_LIBRARY" "" kind ${type})
     set(twin ${target}_sanitized)

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <spawn.h>
+#include <string_view>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -64,17 +65,42 @@ private:
     posix_spawn_file_actions_t actions_;
 };
 
+/// As the system's calls want it; points into the command.
+std::vector<char *> pointersTo(std::vector<std::string> &command) {
+    std::vector<char *> pointers;
+    for (std::string &word : command)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 } // namespace
+
+std::vector<std::string> commandOf(const std::filesystem::path &program,
+                                   const std::vector<std::string> &arguments) {
+    std::vector<std::string> command;
+    if (isEmulated())
+        command.emplace_back(EMULATE);
+    command.push_back(program.string());
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+bool isEmulated() {
+    return !std::string_view(EMULATE).empty();
+}
 
 Finished runProgram(const std::filesystem::path &program, const std::vector<std::string> &arguments,
                     const std::filesystem::path &input) {
-    std::vector<std::string> words{program};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char *> pointers;
-    for (std::string &word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
+    return runCommand(commandOf(program, arguments), input);
+}
 
+void become(std::vector<std::string> command) {
+    execv(command.front().c_str(), pointersTo(command).data());
+    _exit(127);
+}
+
+Finished runCommand(std::vector<std::string> command, const std::filesystem::path &input) {
     const Output out("out");
     const Output err("err");
     FileActions actions;
@@ -82,8 +108,10 @@ Finished runProgram(const std::filesystem::path &program, const std::vector<std:
     actions.duplicate(out.file(), STDOUT_FILENO);
     actions.duplicate(err.file(), STDERR_FILENO);
     pid_t process = 0;
-    check(posix_spawn(&process, program.c_str(), actions.get(), nullptr, pointers.data(), environ),
-          program.c_str());
+    const char *const program = command.front().c_str();
+    check(
+        posix_spawn(&process, program, actions.get(), nullptr, pointersTo(command).data(), environ),
+        program);
     int status = 0;
     check(waitpid(process, &status, 0) < 0 ? errno : 0, "waitpid");
     return {.process = process,

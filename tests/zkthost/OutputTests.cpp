@@ -20,9 +20,10 @@ using testing::Not;
 namespace {
 
 /// The program with a redirection as a shell has it.
-Finished redirected(const std::string &to, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"-c", "exec \"$0\" \"$@\" " + to, ZKTHOST_PROGRAM});
-    return runProgram("/bin/sh", arguments);
+Finished redirected(const std::string &to, const std::vector<std::string> &arguments) {
+    std::vector<std::string> command = commandOf(ZKTHOST_PROGRAM, arguments);
+    command.insert(command.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" " + to});
+    return runCommand(command);
 }
 
 const std::vector<std::vector<std::string>> commands{
@@ -50,10 +51,8 @@ std::string onTerminal(unsigned short columns) {
     size.ws_row = 24;
     int terminal = -1;
     const pid_t process = forkpty(&terminal, nullptr, nullptr, &size);
-    if (process == 0) {
-        execl(ZKTHOST_PROGRAM, "zkthost", "report", "--image", MACOS_BUNDLE, nullptr);
-        _exit(127);
-    }
+    if (process == 0)
+        become(commandOf(ZKTHOST_PROGRAM, {"report", "--image", MACOS_BUNDLE}));
     std::string text;
     std::array<char, 4096> buffer{};
     for (ssize_t count = 0; (count = read(terminal, buffer.data(), buffer.size())) > 0;)

@@ -26,8 +26,7 @@ public:
         process_ = forkpty(&file_, nullptr, nullptr, nullptr);
         if (process_ == 0) {
             setenv("TERM", "dumb", 1);
-            execl(ZKTHOST_PROGRAM, ZKTHOST_PROGRAM, "run", "--image", image.c_str(), nullptr);
-            _exit(127);
+            become(commandOf(ZKTHOST_PROGRAM, {"run", "--image", image.string()}));
         }
         readUntilPrompt("> ");
     }
