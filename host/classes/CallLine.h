@@ -120,6 +120,16 @@ private:
     std::size_t place_ = 0;
 };
 
+/// What plug-ins are given as a result: integers below 32 bits widened to that, with their sign, as
+/// compilers for macOS expect it. Linux leaves the rest of their register undefined on arm64.
+template <typename Result>
+constexpr auto widened(Result result) {
+    if constexpr (std::is_integral_v<Result> && sizeof(Result) < sizeof(std::int32_t))
+        return std::conditional_t<std::is_signed_v<Result>, std::int32_t, std::uint32_t>{result};
+    else
+        return result;
+}
+
 /// A name as a template argument.
 template <std::size_t Size>
 struct FixedName {
@@ -134,14 +144,14 @@ struct HostMethod;
 template <FixedName Name, typename Result, typename... Arguments,
           Result (*Body)(Core &, Arguments...)>
 struct HostMethod<Name, Body> {
-    static Result enter(Arguments... arguments) {
+    static auto enter(Arguments... arguments) {
         Core &core = Core::current();
         CallLine call(core, Name.text, true, arguments...);
         if constexpr (std::is_void_v<Result>) {
             Body(core, arguments...);
             call.done();
         } else {
-            return call.result(Body(core, arguments...));
+            return widened(call.result(Body(core, arguments...)));
         }
     }
 };

@@ -24,7 +24,7 @@ struct Gate;
 template <std::size_t Index, FixedName Name, typename Result, typename... Arguments,
           Result (*Body)(Core &, Arguments...)>
 struct Gate<Index, Name, Body> {
-    static Result enter(Arguments... arguments) {
+    static auto enter(Arguments... arguments) {
         Core &core = Core::current();
         ServiceState &state = core.services.state(Index);
         ++state.calls;
@@ -33,7 +33,7 @@ struct Gate<Index, Name, Body> {
             run(core, state, arguments...);
             call.done();
         } else {
-            return call.result(run(core, state, arguments...));
+            return widened(call.result(run(core, state, arguments...)));
         }
     }
 

@@ -31,6 +31,11 @@ std::uint8_t byteSeen = 0;
 void seeByte(ObjectHandle, std::uint8_t value) {
     byteSeen = value;
 }
+/// Takes the whole register that a smaller argument was put into.
+std::uint32_t registerSeen = 0;
+void seeRegister(ObjectHandle, std::uint32_t value) {
+    registerSeen = value;
+}
 std::int64_t addOne(ObjectHandle, std::int64_t value) {
     return value + 1;
 }
@@ -68,6 +73,12 @@ double many(ObjectHandle, std::int64_t a, double b, std::int32_t c, float d, boo
     return static_cast<double>(a) + 10 * b + 100 * c + 1000 * static_cast<double>(d) +
            (e ? 10000 : 0) + 1e5 * static_cast<double>(f) + 1e6 * static_cast<double>(g) +
            1e7 * static_cast<double>(h) + 1e8 * i;
+}
+/// More integers than any processor here has registers for.
+std::int64_t last(ObjectHandle, std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d,
+                  std::int64_t e, std::int64_t f, std::int64_t g, std::int64_t h, std::int64_t i,
+                  std::int64_t j) {
+    return a + b + c + d + e + f + g + 10 * h + 100 * i + 1000 * j;
 }
 std::int64_t sharedSum(std::int64_t a, std::int64_t b) {
     return a + b;
@@ -118,6 +129,7 @@ struct Invoker : testing::Test {
             method("wideFalse as Boolean", pointer(wideFalse)),
             method("wideTrue as Boolean", pointer(wideTrue)),
             method("seeByte(v as Boolean)", pointer(seeByte)),
+            method("seeRegister(v as Boolean)", pointer(seeRegister)),
             method("addOne(v as Integer) as Integer", pointer(addOne)),
             method("half32(v as Int32) as Int32", pointer(half32)),
             method("same32(v as UInt32) as UInt32", pointer(same32)),
@@ -132,6 +144,10 @@ struct Invoker : testing::Test {
             method("many(a as Integer, b as Double, c as Int32, d as Single, e as Boolean, f as "
                    "Integer, g as Integer, h as Integer, i as Double) as Double",
                    pointer(many)),
+            method(
+                "last(a as Integer, b as Integer, c as Integer, d as Integer, e as Integer, f as "
+                "Integer, g as Integer, h as Integer, i as Integer, j as Integer) as Integer",
+                pointer(last)),
             method("defaults(v as Integer = 41) as Integer", pointer(addOne)),
             method("unlockedResult(v as Date) as Date", pointer(unlockedResult)),
             method("wildResult as Date", pointer(wildResult)),
@@ -192,6 +208,14 @@ TEST_F(Invoker, BooleanArgumentsMayBeAnyByte) {
     call("seeByte", {true});
     EXPECT_EQ(byteSeen, 1);
     refuse("seeByte", 256, "256 is no value for Boolean");
+}
+
+// As compilers for macOS expect it of the caller, on arm64 too.
+TEST_F(Invoker, BooleanArgumentsAreWidened) {
+    for (const int byte : {0, 1, 0x7F, 0x80, 0xFF}) {
+        call("seeRegister", {byte});
+        EXPECT_EQ(registerSeen, static_cast<std::uint32_t>(byte));
+    }
 }
 
 TEST_F(Invoker, IntegersAtTheirLimits) {
@@ -263,6 +287,10 @@ TEST_F(Invoker, Arrays) {
 TEST_F(Invoker, ManyArgumentsOfMixedTypes) {
     EXPECT_EQ(call("many", {1, 2.0, 3, 4.0, true, 5, 6, 7, 8.0}).number(),
               1 + 20 + 300 + 4000 + 10000 + 5e5 + 6e6 + 7e7 + 8e8);
+}
+
+TEST_F(Invoker, MoreArgumentsThanRegisters) {
+    EXPECT_EQ(call("last", {0, 0, 0, 0, 0, 0, 0, 1, 2, 3}).integer(), 3210);
 }
 
 TEST_F(Invoker, DefaultsFillIn) {

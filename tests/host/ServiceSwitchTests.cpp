@@ -54,6 +54,23 @@ TEST(Services, HidingDoesNotTakeBackWhatWasGivenOut) {
     unlockString(string);
 }
 
+/// As a function on arm64 Linux may: what lies above the Boolean in its register is anything.
+std::uint64_t carelessFalse() {
+    return 0xFFFFFFFF'FFFFFF00;
+}
+
+TEST(Services, SmallResultsAreWidenedForThePlugin) {
+    Host host;
+    constexpr const char *name = "REALSetPropValueInteger";
+    const auto *set = reinterpret_cast<std::uint32_t (*)(ObjectHandle, const char *, std::int64_t)>(
+        Host::resolver()(name));
+    const ObjectRef date = host.newInstance("Date");
+    EXPECT_EQ(set(date.handle(), "Year", 2001), 1U);
+    EXPECT_EQ(set(date.handle(), "NoSuchProperty", 2001), 0U);
+    host.services().replaceWith(name, reinterpret_cast<void *>(carelessFalse));
+    EXPECT_EQ(set(date.handle(), "Year", 2001), 0U);
+}
+
 TEST(Services, NullAnswersDoNothing) {
     Host host;
     const StringHandle string = buildString("a");
