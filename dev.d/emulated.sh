@@ -12,7 +12,7 @@ arm64_packages() {
     local v
     v=$(llvm_version)
     echo libgnustep-base1.28 "libobjc-$(gcc_version)-dev" "libstdc++-$(gcc_version)-dev" libffi-dev libicu-dev \
-        libedit-dev libmd4c-html0-dev libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev \
+        libedit-dev libmd4c-dev libmd4c-html0-dev libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev \
         libzstd1 zlib1g
     echo libgnustep-base-dev "llvm-$v-dev"
 }

@@ -94,8 +94,15 @@ bool isBlank(const FSRef &ref) {
 } // namespace
 } // namespace standin
 
-OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo,
-                       HFSUniStr255 *outName, FSSpecPtr fileSpec, FSRef *parentRef) {
+// FSGetCatalogInfo. Callers that were compiled for macOS take its 16 bits from a register that the
+// callee has widened to 32; on arm64 Linux the compiler of the callee does not. So that is its type
+// here.
+extern "C" SInt32 getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
+                                 FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                 FSSpecPtr fileSpec, FSRef *parentRef) asm("FSGetCatalogInfo");
+
+SInt32 getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo,
+                      HFSUniStr255 *outName, FSSpecPtr fileSpec, FSRef *parentRef) {
     using namespace standin;
     if (ref == nullptr || fileSpec != nullptr || (whichInfo & ~knownFields) != 0) {
         return badParameter;

@@ -62,7 +62,7 @@ std::uint64_t carelessFalse() {
 TEST(Services, SmallResultsAreWidenedForThePlugin) {
     Host host;
     constexpr const char *name = "REALSetPropValueInteger";
-    const auto *set = reinterpret_cast<std::uint32_t (*)(ObjectHandle, const char *, std::int64_t)>(
+    auto *const set = reinterpret_cast<std::uint32_t (*)(ObjectHandle, const char *, std::int64_t)>(
         Host::resolver()(name));
     const ObjectRef date = host.newInstance("Date");
     EXPECT_EQ(set(date.handle(), "Year", 2001), 1U);

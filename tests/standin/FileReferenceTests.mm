@@ -80,7 +80,7 @@ private:
 /// Linux does not ask for on arm64.
 template <typename Result, typename... Arguments>
 auto wide(Result (*function)(Arguments...)) {
-    return reinterpret_cast<std::int32_t (*)(Arguments...)>(function);
+    return reinterpret_cast<std::int32_t (*)(Arguments...)>(reinterpret_cast<void *>(function));
 }
 
 TEST_F(FileReferences, SmallResultsAreWidened) {
@@ -93,12 +93,12 @@ TEST_F(FileReferences, SmallResultsAreWidened) {
     const auto getInfo = wide(FSGetCatalogInfo);
     EXPECT_EQ(getInfo(nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), -50);
     EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), -35);
-    file("there");
+    const fs::path there = file("there");
     EXPECT_EQ(wide(CFURLGetFSRef)(urlOf("there"), &ref), 1);
     HFSUniStr255 name;
     FSRef parent;
     EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), 0);
-    fs::remove(folder() / "there");
+    fs::remove(there);
     EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), -43);
 }
 
