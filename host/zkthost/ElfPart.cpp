@@ -61,10 +61,16 @@ void readImports(const llvm::object::ELF64LEObjectFile &file, ImagePart &part) {
         part.libraries.push_back({.name = "", .imports = std::move(imports)});
 }
 
+/// In the words of Apple's compilers, which differ for one.
+std::string processorOf(const llvm::object::ELF64LEObjectFile &file) {
+    return file.getArch() == llvm::Triple::aarch64
+               ? "arm64"
+               : llvm::Triple::getArchTypeName(file.getArch()).str();
+}
+
 ImagePart partOf(const llvm::object::ELF64LEObjectFile &file) {
     const bool isShared = file.getELFFile().getHeader().e_type == llvm::ELF::ET_DYN;
-    ImagePart part{.processor = llvm::Triple::getArchTypeName(file.getArch()).str(),
-                   .kind = isShared ? "shared object" : "program"};
+    ImagePart part{.processor = processorOf(file), .kind = isShared ? "shared object" : "program"};
     if (const auto identity = llvm::object::getBuildID(&file); !identity.empty())
         part.identity = llvm::toHex(identity, true);
     readLibraries(file.getELFFile(), part);

@@ -1,5 +1,6 @@
 #include "host/zkthost/ImageFacts.h"
 
+#include "host/processor/Processor.h"
 #include "host/zkthost/ImageParts.h"
 #include "host/zkthost/Options.h"
 #include "host/zkthost/PropertyLists.h"
@@ -35,8 +36,10 @@ std::optional<BundleFacts> bundleFacts(const std::string &propertyList) {
 ImageFacts factsOfMachO(const std::filesystem::path &file, std::string_view bytes) {
     // Of an executable in a bundle's Contents/MacOS.
     const auto propertyList = file.parent_path().parent_path() / "Info.plist";
-    ImageFacts facts{
-        .file = file.string(), .format = "Mach-O", .bundle = bundleFacts(contentsOf(propertyList))};
+    ImageFacts facts{.file = file.string(),
+                     .format = "Mach-O",
+                     .loaded = std::string(processor::name),
+                     .bundle = bundleFacts(contentsOf(propertyList))};
     for (MachOPart &part : machOParts(bytes)) {
         facts.parts.push_back(std::move(part.facts));
         if (!facts.bundle)
@@ -52,7 +55,10 @@ ImageFacts factsOf(const std::filesystem::path &file) {
     try {
         if (bytes.starts_with("\x7F"
                               "ELF"))
-            return {.file = file.string(), .format = "ELF", .parts = {elfPart(file)}};
+            return {.file = file.string(),
+                    .format = "ELF",
+                    .loaded = std::string(processor::name),
+                    .parts = {elfPart(file)}};
         return factsOfMachO(file, bytes);
     } catch (const InputError &error) {
         throw InputError(file.string() + ": " + error.what());

@@ -48,6 +48,7 @@ struct BundleFacts {
 struct ImageFacts {
     std::string file;                       ///< with the code
     std::string format;                     ///< "Mach-O", "ELF"
+    std::string loaded;                     ///< the processor of the part that the host has loaded
     std::optional<BundleFacts> bundle = {}; ///< no property list: none
     std::vector<ImagePart> parts = {};
 };
@@ -60,7 +61,8 @@ std::string factsAsText(const ImageFacts &facts);
 std::string factsAsMarkdown(const ImageFacts &facts);
 std::string importsAsText(const ImageFacts &facts);
 std::string importsAsMarkdown(const ImageFacts &facts);
-/// {"file": ..., "format": "Mach-O", "identifier": ..., "version": ..., "build": ..., "parts":
+/// {"file": ..., "format": "Mach-O", "loaded": "x86_64", "identifier": ..., "version": ...,
+/// "build": ..., "parts":
 /// [...]}; what a file does not say is null.
 host::Json factsAsJson(const ImageFacts &facts);
 

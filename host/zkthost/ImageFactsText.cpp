@@ -55,6 +55,7 @@ std::vector<Row> headRows(const ImageFacts &facts) {
     if (facts.bundle)
         for (Row &row : rowsOf(*facts.bundle))
             rows.push_back(std::move(row));
+    rows.emplace_back("Loaded", facts.loaded);
     return rows;
 }
 
@@ -156,6 +157,7 @@ host::Json factsAsJson(const ImageFacts &facts) {
     const BundleFacts bundle = facts.bundle.value_or(BundleFacts{});
     return {{"file", facts.file},
             {"format", facts.format},
+            {"loaded", facts.loaded},
             {"identifier", orNull(bundle.identifier)},
             {"version", orNull(bundle.version)},
             {"build", orNull(bundle.build)},

@@ -9,6 +9,7 @@
 #include "host/core/Core.h"
 #include "host/core/PluginCall.h"
 #include "host/crash/CrashHandler.h"
+#include "host/processor/Processor.h"
 #include "host/zkthost/Call.h"
 #include "host/zkthost/CocoaSource.h"
 #include "host/zkthost/Columns.h"
@@ -17,6 +18,7 @@
 #include "host/zkthost/ImageFacts.h"
 #include "host/zkthost/LiveTrace.h"
 #include "host/zkthost/Options.h"
+#include "host/zkthost/OtherProcessor.h"
 #include "host/zkthost/Output.h"
 #include "host/zkthost/Reference.h"
 #include "host/zkthost/Report.h"
@@ -242,12 +244,15 @@ int main(int argc, char **argv) {
     Options options;
     try {
         const char *const *const original = originalArguments();
-        CommandLine commandLine = parseCommandLine(argc, original != nullptr ? original : argv);
+        const char *const *const arguments = original != nullptr ? original : argv;
+        CommandLine commandLine = parseCommandLine(argc, arguments);
         if (commandLine.text) {
             print(*commandLine.text);
             return fine;
         }
         options = std::move(commandLine.options);
+        if (options.processor != processor::name)
+            continueFor(options.processor, arguments);
     } catch (const InputError &error) {
         return complain(error.what(), badInput);
     } catch (const OutputError &error) {

@@ -28,6 +28,10 @@ constexpr Choice<Siblings> siblings[] = {
     {"registry", Siblings::registry}, {"none", Siblings::none},
     {"wrappers", Siblings::wrappers},
 };
+constexpr Choice<std::string_view> processors[] = {
+    {"x86_64", "x86_64"},
+    {"arm64", "arm64"},
+};
 constexpr Choice<DescriptionFormat> formats[] = {
     {"text", DescriptionFormat::text},
     {"json", DescriptionFormat::json},
@@ -96,6 +100,7 @@ int argumentsBeforeProgram(const CLI::App &app, int argc, const char *const *arg
 /// The command line as the parser leaves it: words.
 struct Words {
     std::optional<std::string> image;
+    std::string processor{processor::name};
     std::optional<std::string> version;
     std::string sibling = "all";
     std::string format = "text";
@@ -112,6 +117,10 @@ void addGeneralOptions(CLI::App &app, Words &words, Options &options) {
                    "The plug-in: a Mach-O bundle or a shared object (default: the bundle of this "
                    "build)")
         ->type_name("FILE");
+    app.add_option("--arch", words.processor,
+                   "The processor whose part of the image runs: x86_64 or arm64 (default: this "
+                   "machine's); for another one's, the zkthost that was built for it goes on")
+        ->type_name("NAME");
     app.add_option("--host-version", words.version,
                    "The version that the host reports (default: 2013.04)")
         ->type_name("NUMBER");
@@ -179,6 +188,7 @@ constexpr NamedCommand commands[] = {
 void interpret(const Words &words, const NamedCommand &command, Options &options) {
     const std::span<const Choice<DescriptionFormat>> all(formats);
     options.command = command.command;
+    options.processor = chosen("--arch", words.processor, std::span(processors));
     options.format = chosen("--format", words.format, command.hasDocuments ? all : all.first(2));
     options.host.siblings = chosen("--sibling", words.sibling, std::span(siblings));
     if (words.version)

@@ -4,11 +4,13 @@
 
 #include "host/Host.h"
 #include "host/classes/Description.h"
+#include "host/processor/Processor.h"
 
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zkthost {
@@ -20,6 +22,7 @@ struct Options {
     host::DescriptionFormat format = host::DescriptionFormat::text;
     std::filesystem::path image; ///< never empty
     bool imageIsDefault = true;
+    std::string_view processor = processor::name; ///< that the image is to be run for
     host::HostOptions host = {};
     std::vector<std::string> withoutServices = {};
     bool trace = false;

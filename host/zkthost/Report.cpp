@@ -4,6 +4,7 @@
 #include "host/classes/Inspect.h"
 #include "host/core/Cocoa.h"
 #include "host/language/Names.h"
+#include "host/processor/Processor.h"
 #include "host/zkthost/ReportText.h"
 #include "host/zkthost/ValueTree.h"
 
@@ -237,6 +238,7 @@ Report makeReport(Host &host, const Image &image, ReportText *text) {
     Report report{.className = std::string(className),
                   .image = image.file().string(),
                   .format = image.format() == ImageFormat::machO ? "Mach-O" : "ELF",
+                  .processor = std::string(processor::name),
                   .hostVersion = host.options().version,
                   .interfaceVersion = host.interfaceVersion(),
                   .foundation = foundationName(),
@@ -274,6 +276,7 @@ std::string reportAsJson(const Report &report, const Account &account) {
     return jsonText({{"class", report.className},
                      {"image", report.image},
                      {"imageFormat", report.format},
+                     {"processor", report.processor},
                      {"hostVersion", report.hostVersion ? Json(*report.hostVersion) : Json()},
                      {"interfaceVersion", report.interfaceVersion},
                      {"foundation", report.foundation},

@@ -29,7 +29,8 @@ struct ReportRow : RowHead {
 struct Report {
     std::string className;
     std::string image;
-    std::string format; ///< of the image
+    std::string format;    ///< of the image
+    std::string processor; ///< whose part of the image runs: "x86_64"
     std::optional<double> hostVersion;
     std::int32_t interfaceVersion = 0;
     std::string foundation;                  ///< whose it is: a Mac's has other values

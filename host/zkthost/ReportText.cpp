@@ -17,9 +17,9 @@ ReportText::ReportText(const TextStyle &style)
 
 void ReportText::head(const Report &report) {
     print(strong_ + report.className + plain_ + '\n' + faint_ + "  " + printable(report.image) +
-          " (" + report.format + "), interface version " + std::to_string(report.interfaceVersion) +
-          "\n  Foundation is that of " + report.foundation +
-          ", on Linux: a Mac's tells other things of the system" + plain_ +
+          " (" + report.format + ", " + report.processor + "), interface version " +
+          std::to_string(report.interfaceVersion) + "\n  Foundation is that of " +
+          report.foundation + ", on Linux: a Mac's tells other things of the system" + plain_ +
           "\n\n  processInfo gives " + printable(report.processInfo) + "\n");
 }
 

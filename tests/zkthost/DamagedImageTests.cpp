@@ -30,7 +30,6 @@ constexpr std::size_t processorOffset = 4;
 constexpr std::size_t fileTypeOffset = 12;
 constexpr std::size_t commandCountOffset = 16;
 constexpr std::size_t commandsOffset = 32;
-constexpr std::uint32_t arm64Processor = 0x0100000C;
 
 /// The offsets of all load commands, and where the last one ends.
 std::set<std::size_t> commandBorders(const std::string &bytes) {
@@ -73,7 +72,7 @@ protected:
     }
 
     const Folder folder;
-    std::string macos = readFile(macosImage().executable);
+    std::string macos = sliceOf(readFile(macosImage().executable));
     std::string linuxObject = readFile(linuxImage().executable);
 };
 
@@ -131,8 +130,8 @@ TEST_F(DamagedImage, ObjectCutInItsContents) {
 }
 
 TEST_F(DamagedImage, BundleForAnotherProcessor) {
-    setNumber(macos, processorOffset, arm64Processor);
-    expectRefused(macos, "arm64");
+    setNumber(macos, processorOffset, otherProcessor.number);
+    expectRefused(macos, otherProcessor.name);
 }
 
 TEST_F(DamagedImage, BundleForAnUnknownProcessor) {
@@ -141,8 +140,9 @@ TEST_F(DamagedImage, BundleForAnUnknownProcessor) {
 }
 
 TEST_F(DamagedImage, ObjectForAnotherProcessor) {
-    setNumber(linuxObject, offsetof(Elf64_Ehdr, e_machine), std::uint16_t{EM_AARCH64});
-    expectRefused(linuxObject, "no shared object for x86-64");
+    setNumber(linuxObject, offsetof(Elf64_Ehdr, e_machine),
+              static_cast<std::uint16_t>(processor::elfMachine ^ EM_X86_64 ^ EM_AARCH64));
+    expectRefused(linuxObject, "no shared object for " + std::string(processor::name));
 }
 
 TEST_F(DamagedImage, ObjectOfAnotherWordSize) {
@@ -228,16 +228,16 @@ std::string universal(std::uint32_t processor, const std::string &slice) {
 } // namespace
 
 TEST_F(DamagedImage, UniversalFileWithTheRightSliceWorks) {
-    expectSuccess(runWith(universal(0x01000007, macos)));
+    expectSuccess(runWith(universal(ownProcessor.number, macos)));
 }
 
 TEST_F(DamagedImage, UniversalFileForAnotherProcessor) {
-    setNumber(macos, processorOffset, arm64Processor);
-    expectRefused(universal(arm64Processor, macos), "arm64");
+    setNumber(macos, processorOffset, otherProcessor.number);
+    expectRefused(universal(otherProcessor.number, macos), otherProcessor.name);
 }
 
 TEST_F(DamagedImage, UniversalFileCut) {
-    const std::string whole = universal(0x01000007, macos);
+    const std::string whole = universal(ownProcessor.number, macos);
     for (const std::size_t size : {4u, 8u, 20u, 28u, 4096u, 4100u, 8192u}) {
         SCOPED_TRACE(size);
         expectRefused(whole.substr(0, size));

@@ -131,6 +131,22 @@ void expectMethods(const Json &description, const char *table,
     }
 }
 
+void expectFactsOfTheBundle(const Json &part) {
+    SCOPED_TRACE(stringMember(part, "processor"));
+    EXPECT_EQ(stringMember(part, "kind"), "bundle");
+    EXPECT_THAT(stringMember(part, "identity"),
+                testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
+    const auto &signature = member(part, "signature");
+    EXPECT_EQ(member(signature, "adHoc"), true);
+    EXPECT_EQ(stringMember(signature, "identifier"), "zkt.NSProcessInfoZKT");
+    const auto &foundation = libraryOf(part, "/Foundation");
+    EXPECT_EQ(member(foundation, "weak"), false);
+    EXPECT_EQ(weakness(foundation, "OBJC_CLASS_$_NSProcessInfo"), false);
+    EXPECT_EQ(weakness(foundation, "NSProcessInfoThermalStateDidChangeNotification"), true);
+    EXPECT_EQ(weakness(foundation, "CFRelease"), std::nullopt);
+    EXPECT_EQ(weakness(libraryOf(part, "/CoreFoundation"), "CFRelease"), false);
+}
+
 } // namespace
 
 TEST_P(Describe, AsTextShowsEveryRowInOrder) {
@@ -187,8 +203,28 @@ TEST_P(Describe, TellsWhatTheFileIs) {
     const auto image = this->image();
     EXPECT_EQ(stringMember(image, "file"), GetParam().executable);
     EXPECT_EQ(stringMember(image, "format"), GetParam().format);
-    ASSERT_EQ(arrayMember(image, "parts").size(), 1u);
-    EXPECT_EQ(stringMember(arrayMember(image, "parts").front(), "processor"), "x86_64");
+    EXPECT_EQ(stringMember(image, "loaded"), processor::name);
+    std::vector<std::string> processors;
+    for (const Json &part : arrayMember(image, "parts"))
+        processors.push_back(stringMember(part, "processor"));
+    const std::vector<std::string> both{"x86_64", "arm64"};
+    const std::vector<std::string> own{std::string(processor::name)};
+    EXPECT_EQ(processors, image.at("format") == "Mach-O" ? both : own);
+}
+
+TEST_P(Describe, TellsPeopleWhatWasLoaded) {
+    const std::string name(processor::name);
+    EXPECT_THAT(described("text"), testing::HasSubstr("\n  Loaded       " + name + "\n"));
+    EXPECT_THAT(described("markdown"), testing::HasSubstr("\n| Loaded | " + name + " |\n"));
+}
+
+TEST(DescribeOfAThinFile, TellsWhatWasLoaded) {
+    const Folder folder;
+    const auto file = folder.write("thin", sliceOf(readFile(macosImage().executable)));
+    const auto json = parsedJson(zkthost({"describe", "--format", "json"}, file).out);
+    const auto &image = member(json, "image");
+    EXPECT_EQ(stringMember(image, "loaded"), processor::name);
+    EXPECT_EQ(arrayMember(image, "parts").size(), 1u);
 }
 
 TEST(DescribeOfTheBundle, TellsItsFacts) {
@@ -196,21 +232,12 @@ TEST(DescribeOfTheBundle, TellsItsFacts) {
     const auto &image = member(json, "image");
     EXPECT_EQ(stringMember(image, "identifier"), "zkt.NSProcessInfoZKT");
     EXPECT_THAT(stringMember(image, "version"), testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
-    const auto &part = arrayMember(image, "parts").front();
-    EXPECT_EQ(stringMember(part, "kind"), "bundle");
-    EXPECT_EQ(stringMember(part, "leastMacOS"), "10.9");
-    EXPECT_EQ(stringMember(part, "builtForMacOS"), "10.11");
-    EXPECT_THAT(stringMember(part, "identity"),
-                testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
-    const auto &signature = member(part, "signature");
-    EXPECT_EQ(member(signature, "adHoc"), true);
-    EXPECT_EQ(stringMember(signature, "identifier"), "zkt.NSProcessInfoZKT");
-    const auto &foundation = libraryOf(part, "/Foundation");
-    EXPECT_EQ(member(foundation, "weak"), false);
-    EXPECT_EQ(weakness(foundation, "OBJC_CLASS_$_NSProcessInfo"), false);
-    EXPECT_EQ(weakness(foundation, "NSProcessInfoThermalStateDidChangeNotification"), true);
-    EXPECT_EQ(weakness(foundation, "CFRelease"), std::nullopt);
-    EXPECT_EQ(weakness(libraryOf(part, "/CoreFoundation"), "CFRelease"), false);
+    const auto &parts = arrayMember(image, "parts");
+    EXPECT_EQ(stringMember(parts.front(), "leastMacOS"), "10.9");
+    EXPECT_EQ(stringMember(parts.front(), "builtForMacOS"), "10.11");
+    EXPECT_EQ(stringMember(parts.back(), "leastMacOS"), "11.0");
+    for (const Json &part : parts)
+        expectFactsOfTheBundle(part);
 }
 
 TEST(DescribeOfTheBundle, TellsItsFactsToPeople) {

@@ -58,8 +58,8 @@ TEST_P(CommandLine, TakesTheSameMissingServiceTwice) {
 TEST(Help, ListsTheCommandsTheOptionsAndTheServices) {
     const Finished run = zkthost({"--help"});
     expectSuccess(run);
-    for (const char *word : {"describe", "report", "call", "convert", "--image", "--host-version",
-                             "--without", "--sibling"})
+    for (const char *word : {"describe", "report", "call", "convert", "--image", "--arch",
+                             "--host-version", "--without", "--sibling"})
         EXPECT_THAT(run.out, HasSubstr(word));
     for (const std::string_view service : host::Services::names())
         EXPECT_THAT(run.out, HasSubstr("\n  " + std::string(service) + "\n"));
@@ -77,8 +77,8 @@ TEST(Help, IsThereForEachCommandWithWhatAllHave) {
         SCOPED_TRACE(command);
         const Finished run = zkthost({command, "--help"});
         expectSuccess(run);
-        for (const char *option :
-             {"--format", "--image", "--host-version", "--without", "--sibling", "--trace"})
+        for (const char *option : {"--format", "--image", "--arch", "--host-version", "--without",
+                                   "--sibling", "--trace"})
             EXPECT_THAT(run.out, HasSubstr(option));
         EXPECT_EQ(zkthost({"help", command}).out, run.out);
     }
@@ -138,6 +138,9 @@ INSTANTIATE_TEST_SUITE_P(
             "TheFirstOfSeveralWords", {"report", "a", "b"}, "report is followed by a,"},
         WrongCommandLine{
             "SiblingByNumber", {"report", "--sibling", "3"}, "--sibling 3: it is all, "},
+        WrongCommandLine{
+            "UnknownProcessor", {"report", "--arch", "ppc"}, "--arch ppc: it is x86_64 or arm64"},
+        WrongCommandLine{"ProcessorWithoutName", {"report", "--arch"}, "--arch"},
         WrongCommandLine{"EmptyVersion", {"report", "--host-version", ""}, "--host-version : "},
         WrongCommandLine{"NegativeVersion", {"report", "--host-version=-1"}, "--host-version -1"},
         WrongCommandLine{"VersionBeyondNumbers", {"report", "--host-version", "1e999"}, "1e999"},

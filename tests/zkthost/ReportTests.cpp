@@ -130,6 +130,7 @@ TEST_P(Report, SaysWhatItRanOn) {
     EXPECT_EQ(stringMember(report, "class"), "NSProcessInfoZKT");
     EXPECT_EQ(stringMember(report, "image"), GetParam().executable);
     EXPECT_EQ(stringMember(report, "imageFormat"), GetParam().format);
+    EXPECT_EQ(stringMember(report, "processor"), processor::name);
     EXPECT_EQ(integerMember(report, "interfaceVersion"), 13);
     EXPECT_EQ(member(report, "hostVersion"), 2013.04);
 }
@@ -152,8 +153,9 @@ TEST_P(Report, AsTextIsTheDefaultWithARowForEachThing) {
         EXPECT_THAT(text.out,
                     testing::ContainsRegex(std::string("\n  ") + expected.name + " +Integer +" +
                                            std::to_string(expected.value) + "\n"));
-    EXPECT_THAT(text.out, HasSubstr(GetParam().executable.string() + " (" + GetParam().format +
-                                    "), interface version 13\n"));
+    EXPECT_THAT(text.out,
+                HasSubstr(GetParam().executable.string() + " (" + GetParam().format + ", " +
+                          std::string(processor::name) + "), interface version 13\n"));
 }
 
 TEST_P(Report, AsTextEndsWithTheAccount) {

@@ -1,0 +1,56 @@
+#include "host/zkthost/OtherProcessor.h"
+
+#include "host/processor/Processor.h"
+#include "host/zkthost/Options.h"
+#include "host/zkthost/Surroundings.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace zkthost {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The build for the other processor, beside this one's folder, and what makes it; "" where this
+/// system runs no such programs.
+constexpr std::string_view otherBuild = OTHER_BUILD;
+constexpr std::string_view buildCommand = OTHER_BUILD_COMMAND;
+
+[[noreturn]] void refuse(std::string_view processor, const std::string &reason) {
+    throw InputError("--arch " + std::string(processor) + ": this zkthost is for " +
+                     std::string(processor::name) + reason);
+}
+
+} // namespace
+
+void continueFor(std::string_view processor, const char *const *arguments) {
+    if (otherBuild.empty())
+        refuse(processor, ", and this system has no other");
+    const fs::path folder = (programFile().parent_path() / ".." / otherBuild).lexically_normal();
+    std::error_code ignored;
+    std::vector<std::string> words;
+    // A build whose programs need an emulator has its name for it.
+    if (fs::exists(folder / "emulate", ignored))
+        words.push_back(folder / "emulate");
+    words.push_back(folder / "zkthost");
+    if (!fs::exists(words.back(), ignored))
+        refuse(processor, ", and there is no " + words.back() + " (" + std::string(buildCommand) +
+                              " builds it)");
+    std::vector<char *> pointers;
+    for (std::string &word : words)
+        pointers.push_back(word.data());
+    for (++arguments; *arguments != nullptr; ++arguments)
+        pointers.push_back(const_cast<char *>(*arguments));
+    pointers.push_back(nullptr);
+    execv(pointers.front(), pointers.data());
+    refuse(processor, ", and " + words.front() + " cannot be started: " + std::strerror(errno));
+}
+
+} // namespace zkthost
