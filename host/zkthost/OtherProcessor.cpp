@@ -18,11 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The build for the other processor, beside this one's folder, and what makes it; "" where this
-/// system runs no such programs.
-constexpr std::string_view otherBuild = OTHER_BUILD;
-constexpr std::string_view buildCommand = OTHER_BUILD_COMMAND;
-
 [[noreturn]] void refuse(std::string_view processor, const std::string &reason) {
     throw InputError("--arch " + std::string(processor) + ": this zkthost is for " +
                      std::string(processor::name) + reason);
@@ -31,6 +26,9 @@ constexpr std::string_view buildCommand = OTHER_BUILD_COMMAND;
 } // namespace
 
 void continueFor(std::string_view processor, const char *const *arguments) {
+    // Beside the folder of this build; "" where this system runs no programs of the other
+    // processor.
+    const std::string otherBuild = OTHER_BUILD;
     if (otherBuild.empty())
         refuse(processor, ", and this system has no other");
     const fs::path folder = (programFile().parent_path() / ".." / otherBuild).lexically_normal();
@@ -41,8 +39,8 @@ void continueFor(std::string_view processor, const char *const *arguments) {
         words.push_back(folder / "emulate");
     words.push_back(folder / "zkthost");
     if (!fs::exists(words.back(), ignored))
-        refuse(processor, ", and there is no " + words.back() + " (" + std::string(buildCommand) +
-                              " builds it)");
+        refuse(processor,
+               ", and there is no " + words.back() + " (" + OTHER_BUILD_COMMAND " builds it)");
     std::vector<char *> pointers;
     for (std::string &word : words)
         pointers.push_back(word.data());

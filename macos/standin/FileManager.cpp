@@ -2,6 +2,7 @@
 
 #include "FileReferences.h"
 #include "HfsNames.h"
+#include "WideResults.h"
 
 #include <algorithm>
 #include <cstring>
@@ -94,15 +95,14 @@ bool isBlank(const FSRef &ref) {
 } // namespace
 } // namespace standin
 
-// FSGetCatalogInfo. Callers that were compiled for macOS take its 16 bits from a register that the
-// callee has widened to 32; on arm64 Linux the compiler of the callee does not. So that is its type
-// here.
-extern "C" SInt32 getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
-                                 FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
-                                 FSSpecPtr fileSpec, FSRef *parentRef) asm("FSGetCatalogInfo");
+extern "C" standin::WideOSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
+                                             FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                             FSSpecPtr fileSpec,
+                                             FSRef *parentRef) asm("FSGetCatalogInfo");
 
-SInt32 getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo,
-                      HFSUniStr255 *outName, FSSpecPtr fileSpec, FSRef *parentRef) {
+standin::WideOSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
+                                  FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                  FSSpecPtr fileSpec, FSRef *parentRef) {
     using namespace standin;
     if (ref == nullptr || fileSpec != nullptr || (whichInfo & ~knownFields) != 0) {
         return badParameter;

@@ -1,5 +1,6 @@
 // Images that were cut off or changed: refused with one message, whatever is wrong with them.
 
+#include "Slices.h"
 #include "Zkthost.h"
 
 #include <gmock/gmock.h>

@@ -3,6 +3,7 @@
 
 #include "Descriptions.h"
 #include "Json.h"
+#include "Slices.h"
 #include "Zkthost.h"
 #include "tests/ExpectedClasses.h"
 

@@ -1,5 +1,7 @@
 // Mach-O files as describe reads them: those that no loader here takes, and damaged ones.
 
+#include "Slices.h"
+
 #include "host/zkthost/ImageParts.h"
 #include "host/zkthost/MachOSignature.h"
 #include "host/zkthost/Options.h"
@@ -20,7 +22,7 @@ namespace {
 
 std::string bundleBytes() {
     std::ifstream stream(MACOS_BUNDLE "/Contents/MacOS/NSProcessInfoZKT", std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    return sliceOf({std::istreambuf_iterator<char>(stream), {}}, intel);
 }
 
 std::string bigEndian(std::initializer_list<std::uint32_t> words) {

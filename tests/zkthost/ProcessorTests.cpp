@@ -1,6 +1,7 @@
 // --arch: the part of an image that runs, and the zkthost that runs it.
 
 #include "Json.h"
+#include "Slices.h"
 #include "Zkthost.h"
 
 #include <gmock/gmock.h>

@@ -2,6 +2,8 @@
 
 #include "Json.h"
 #include "Zkthost.h"
+
+#include "host/processor/Processor.h"
 #include "tests/ExpectedClasses.h"
 
 #include <gmock/gmock.h>

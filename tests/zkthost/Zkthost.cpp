@@ -87,18 +87,3 @@ std::string readFile(const std::filesystem::path &file) {
         throw std::runtime_error("cannot read " + file.string());
     return {std::istreambuf_iterator<char>(stream), {}};
 }
-
-std::string sliceOf(const std::string &universal, const MachOProcessor &processor) {
-    const auto word = [&](std::size_t place) {
-        std::uint32_t number = 0;
-        for (std::size_t i = 0; i < sizeof number; ++i)
-            number = number << 8 | static_cast<unsigned char>(universal.at(place + i));
-        return number;
-    };
-    // Behind a header of two words stand five for each processor: it, its kind, place, size,
-    // alignment.
-    for (std::size_t entry = 8; entry < 8 + std::size_t{word(4)} * 20; entry += 20)
-        if (word(entry) == processor.number)
-            return universal.substr(word(entry + 8), word(entry + 12));
-    throw std::runtime_error("no slice for " + std::string(processor.name));
-}

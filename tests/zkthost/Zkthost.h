@@ -2,9 +2,6 @@
 
 #include "ChildProcess.h"
 
-#include "host/processor/Processor.h"
-
-#include <cstdint>
 #include <filesystem>
 #include <ostream>
 #include <string>
@@ -25,17 +22,6 @@ const ImageFile &macosImage();
 const ImageFile &linuxImage(); // on Linux
 /// Those that this system runs.
 std::vector<ImageFile> images();
-
-/// As Mach-O files number processors.
-struct MachOProcessor {
-    std::string_view name;
-    std::uint32_t number;
-};
-constexpr MachOProcessor intel{"x86_64", 0x01000007};
-constexpr MachOProcessor appleSilicon{"arm64", 0x0100000C};
-/// The one that this program is for, and another.
-constexpr MachOProcessor ownProcessor = processor::name == intel.name ? intel : appleSilicon;
-constexpr MachOProcessor otherProcessor = processor::name == intel.name ? appleSilicon : intel;
 
 /// Runs zkthost as a user does.
 Finished zkthost(const std::vector<std::string> &arguments);
@@ -69,6 +55,3 @@ private:
 };
 
 std::string readFile(const std::filesystem::path &file);
-
-/// Of the bytes of a Mach-O file for several processors, those for one.
-std::string sliceOf(const std::string &universal, const MachOProcessor &processor = ownProcessor);
