@@ -26,6 +26,12 @@ target_link_options(NSProcessInfoZKT PRIVATE
     # Identifier and version can be read from the executable alone, too.
     -Wl,-sectcreate,__TEXT,__info_plist,${plist}
     -Wl,-oso_prefix,${CMAKE_BINARY_DIR}/)
+if(PROCESSOR STREQUAL "arm64")
+    # Objects without code have a label in their place for code. For labels lld notes that nothing is known
+    # of unwinding them, here at the address of the next object's first function, which exceptions could
+    # not leave then.
+    target_link_options(NSProcessInfoZKT PRIVATE -Wl,-dead_strip)
+endif()
 # No image is built for an older system than its least: the project's own SDK is.
 file(READ ${CMAKE_OSX_SYSROOT}/SDKSettings.json settings)
 string(JSON sdk_version GET "${settings}" Version)

@@ -158,6 +158,9 @@ private:
 
     /// Writes the record of the code from `start_` to `end`.
     void flush(std::uint64_t end) {
+        // Where a function ends the linker says that nothing follows, even when one does.
+        if (end == start_ && encoding_ == 0)
+            return;
         if (end <= start_)
             fail("the function at " + hex(end) + " stands behind the one at " + hex(start_));
         if (end > source_.textOffset + source_.text.size())

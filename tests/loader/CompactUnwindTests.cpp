@@ -204,6 +204,14 @@ TEST(CompactUnwind, whatMakesNoSenseIsAnError) {
     EXPECT_THAT(encodingError(0x04000010), HasSubstr("has no record in __TEXT,__eh_frame"));
 }
 
+TEST(CompactUnwind, nothingOfNoLengthIsPassedOver) {
+    const auto table =
+        translate(Section().withRegularPage({{0x1000, 0}, {0x1000, 0x02010000}, {0x1100, 0}}));
+    ASSERT_EQ(table.records.size(), 1U);
+    EXPECT_EQ(table.records[0].start, 0x1000U);
+    EXPECT_EQ(table.records[0].end, 0x1100U);
+}
+
 TEST(CompactUnwind, whatLiesOutsideIsAnError) {
     Section section;
     section.personalities = {imageSize - 4};
