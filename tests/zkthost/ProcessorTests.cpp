@@ -1,6 +1,5 @@
-// --arch: the part of an image that runs, and the zkthost that runs it.
+// --arch of this zkthost's own processor.
 
-#include "Json.h"
 #include "Slices.h"
 #include "Zkthost.h"
 
@@ -9,47 +8,8 @@
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-namespace {
-
-const std::string ownName{ownProcessor.name};
-const std::string otherName{otherProcessor.name};
-
-/// A folder of builds with this zkthost and, for the other processor, a script in its place.
-class Builds {
-public:
-    Builds() {
-        fs::create_directory(folder_.path() / "here");
-        fs::copy_file(ZKTHOST_PROGRAM, program());
-        if (hasOther())
-            fs::create_directory(other());
-    }
-
-    static bool hasOther() { return !std::string_view(OTHER_BUILD).empty(); }
-    [[nodiscard]] fs::path other() const { return folder_.path() / OTHER_BUILD; }
-    void write(const char *name, const std::string &script) const {
-        const fs::path file =
-            folder_.write((fs::path(OTHER_BUILD) / name).string(), "#!/bin/sh\n" + script);
-        fs::permissions(file, fs::perms::owner_all);
-    }
-    [[nodiscard]] Finished run(const std::vector<std::string> &arguments) const {
-        return runProgram(program(), arguments);
-    }
-
-private:
-    [[nodiscard]] fs::path program() const { return folder_.path() / "here" / "zkthost"; }
-    const Folder folder_;
-};
-
-class OtherZkthost : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!Builds::hasOther())
-            GTEST_SKIP() << "this system runs programs of one processor";
-    }
-    const Builds builds;
-};
-
-} // namespace
+static const std::string ownName{ownProcessor.name};
+static const std::string otherName{otherProcessor.name};
 
 TEST(OwnProcessor, IsTheDefault) {
     for (const ImageFile &image : images()) {
@@ -70,57 +30,4 @@ TEST(OwnProcessor, IsMissedInAFileForTheOther) {
         EXPECT_THAT(run.err, HasSubstr(otherName));
         EXPECT_THAT(run.err, HasSubstr(ownName));
     }
-}
-
-TEST_F(OtherZkthost, IsGivenTheSameArguments) {
-    builds.write("zkthost", "printf '<%s>' \"$@\"\nexit 3\n");
-    const Finished run =
-        builds.run({"run", "--arch", otherName, "--trace", "a file", "", "--arch", "b\xFC"});
-    EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.out, "<run><--arch><" + otherName + "><--trace><a file><><--arch><b\xFC>");
-    EXPECT_EQ(run.err, "");
-}
-
-TEST_F(OtherZkthost, IsEmulatedWhereItsBuildSaysHow) {
-    builds.write("zkthost", "echo not so\n");
-    builds.write("emulate", "echo \"$@\"\n");
-    const Finished run = builds.run({"report", "--arch=" + otherName});
-    EXPECT_EQ(run.out,
-              (builds.other() / "zkthost").string() + " report --arch=" + otherName + "\n");
-}
-
-TEST_F(OtherZkthost, ThatIsNotBuiltIsNamedWithWhatBuildsIt) {
-    const Finished run = builds.run({"report", "--arch", otherName});
-    expectBadInput(run, "--arch " + otherName + ": this zkthost is for " + ownName +
-                            ", and there is no " + (builds.other() / "zkthost").string());
-    EXPECT_THAT(run.err, HasSubstr(OTHER_BUILD_COMMAND));
-}
-
-TEST_F(OtherZkthost, ThatCannotBeStartedIsNamed) {
-    fs::create_directory(builds.other() / "zkthost");
-    expectBadInput(builds.run({"report", "--arch", otherName}),
-                   (builds.other() / "zkthost").string() + " cannot be started: ");
-}
-
-TEST_F(OtherZkthost, IsNotNeededForHelp) {
-    expectSuccess(builds.run({"report", "--arch", otherName, "--help"}));
-}
-
-TEST_F(OtherZkthost, RunsItsPartOfTheBundle) {
-    const fs::path build = fs::path(ZKTHOST_PROGRAM).parent_path().parent_path() / OTHER_BUILD;
-    if (!fs::exists(build / "zkthost"))
-        GTEST_SKIP() << "not built: " << build / "zkthost";
-    const Finished run =
-        runProgram(ZKTHOST_PROGRAM, {"report", "--format", "json", "--arch", otherName, "--image",
-                                     macosImage().path.string()});
-    expectSuccess(run);
-    EXPECT_EQ(stringMember(parsedJson(run.out), "processor"), otherName);
-}
-
-TEST(OtherProcessor, IsRefusedWhereThisSystemRunsNone) {
-    if (Builds::hasOther())
-        GTEST_SKIP() << "this system runs programs of both";
-    expectBadInput(zkthost({"report", "--arch", otherName}),
-                   "--arch " + otherName + ": this zkthost is for " + ownName +
-                       ", and this system has no other");
 }
