@@ -9,7 +9,7 @@ namespace macho {
 struct UnwindCommon {
     std::uint64_t codeAlignment = 1;
     std::int64_t dataAlignment = -8;
-    std::uint64_t returnAddressRegister = 16;
+    std::uint64_t returnAddressRegister = 0;
     bool signalFrame = false;
     std::vector<std::uint8_t> instructions;
 

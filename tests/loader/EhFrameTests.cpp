@@ -148,6 +148,7 @@ struct SectionReader {
 TEST(EhFrame, hasAbsolutePointersAndEndsWithAZeroWord) {
     UnwindTable table;
     table.commons.emplace_back().instructions = {0x0c, 7, 8, 0x90, 1};
+    table.commons.back().returnAddressRegister = 16;
     UnwindRecord record;
     record.start = 0x1000;
     record.end = 0x1040;

@@ -44,6 +44,17 @@ const Processor &Processor::ofThisProgram() {
     return arm64;
 }
 
+/// What macOS and Linux pass in different ways on arm64, and this program bridges:
+///  - functions with variable arguments, those of the table above;
+///  - results below 32 bits, and constructors that return their object, of the functions in
+///    AdaptedFunctions.cpp; answers below 32 bits, of every method.
+/// It does not bridge, and no image may use:
+///  - methods with variable arguments, as +stringWithFormat:, and any other such function, as open;
+///  - arguments below 64 bits behind the eight that lie in registers: an image packs them, this
+///    system gives each a slot of its own;
+///  - long double, which is a double to an image;
+///  - arguments below 32 bits that this system's code passes to a function of an image: whoever
+///    calls one widens them.
 std::span<const BridgeSymbol> processorSymbols() {
     static const auto symbols = [] {
         auto all = arm64::adaptedFunctions();
