@@ -26,7 +26,7 @@ target_link_options(NSProcessInfoZKT PRIVATE
     # Identifier and version can be read from the executable alone, too.
     -Wl,-sectcreate,__TEXT,__info_plist,${plist}
     -Wl,-oso_prefix,${CMAKE_BINARY_DIR}/)
-if(PROCESSOR STREQUAL "arm64")
+if(CMAKE_OSX_ARCHITECTURES STREQUAL "arm64")
     # Objects without code have a label in their place for code. For labels lld notes that nothing is known
     # of unwinding them, here at the address of the next object's first function, which exceptions could
     # not leave then.

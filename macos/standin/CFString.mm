@@ -6,7 +6,6 @@
 
 #include "Encodings.h"
 #include "Misuse.h"
-#include "WideResults.h"
 
 #include <unicode/unorm2.h>
 
@@ -99,14 +98,11 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar *buffer) {
                                                   static_cast<NSUInteger>(range.length))];
 }
 
-extern "C" standin::WideBoolean getCString(CFStringRef string, char *buffer, CFIndex bufferSize,
-                                           CFStringEncoding encoding) asm("CFStringGetCString");
-
-standin::WideBoolean getCString(CFStringRef string, char *buffer, CFIndex bufferSize,
-                                CFStringEncoding encoding) {
-    standin::requireObject(string, "CFStringGetCString");
+Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
+                           CFStringEncoding encoding) {
+    standin::requireObject(string, __func__);
     if (bufferSize < 1) {
-        return 0;
+        return false;
     }
     // Piece by piece, so that nothing is allocated.
     auto *const text = (NSString *)string;
@@ -119,13 +115,13 @@ standin::WideBoolean getCString(CFStringRef string, char *buffer, CFIndex buffer
         const auto size = standin::encode(piece, encoding, room.subspan(written));
         if (!size) {
             buffer[0] = '\0';
-            return 0;
+            return false;
         }
         written += *size;
         at += piece.size();
     }
     buffer[written] = '\0';
-    return 1;
+    return true;
 }
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {

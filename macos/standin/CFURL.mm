@@ -8,7 +8,6 @@
 #include "Methods.h"
 #include "Misuse.h"
 #include "UrlText.h"
-#include "WideResults.h"
 
 #include <string>
 #include <string_view>
@@ -56,14 +55,12 @@ id absoluteString(id url, SEL) {
 
 @end
 
-extern "C" standin::WideBoolean getReference(CFURLRef url, FSRef *fsRef) asm("CFURLGetFSRef");
-
-standin::WideBoolean getReference(CFURLRef url, FSRef *fsRef) {
-    standin::requireObject(url, "CFURLGetFSRef");
+Boolean CFURLGetFSRef(CFURLRef url, FSRef *fsRef) {
+    standin::requireObject(url, __func__);
     NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
     const auto path = standin::fileSystemPath(absoluteText((NSURL *)url));
     [pool drain];
-    return path && standin::makeReference(*path, *fsRef) ? 1 : 0;
+    return path && standin::makeReference(*path, *fsRef);
 }
 
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
