@@ -85,10 +85,4 @@ TEST_P(Conventions, smallAnswersAreWidened) {
     EXPECT_EQ(function<int(id, int)>("byteOf")(nil, 0x1ff), 0);
 }
 
-TEST_P(Conventions, smallAnswersOfFunctionsAreWidened) {
-    EXPECT_EQ(function<int(long)>("copiedString")(0x76543201), 1);
-    EXPECT_EQ(function<int(long)>("gotReference")(0x76543200), 0);
-    EXPECT_EQ(function<int(long)>("gotInformation")(0x7654ffd5), -43);
-}
-
 } // namespace

@@ -16,25 +16,6 @@ extern "C" {
 int hostNumber(int value);
 int chosen();
 
-// Of interfaces that this program does not have otherwise: each answers what is left of its first
-// argument.
-unsigned char CFStringGetCString(long value, char *buffer, long size, unsigned encoding);
-unsigned char CFURLGetFSRef(long value, void *reference);
-short FSGetCatalogInfo(long value, unsigned which, void *info, void *name, void *spec,
-                       void *parent);
-
-unsigned char CFStringGetCString(long value, char *, long, unsigned) {
-    return static_cast<unsigned char>(value);
-}
-
-unsigned char CFURLGetFSRef(long value, void *) {
-    return static_cast<unsigned char>(value);
-}
-
-short FSGetCatalogInfo(long value, unsigned, void *, void *, void *, void *) {
-    return static_cast<short>(value);
-}
-
 int hostNumber(int value) {
     return value + 1000;
 }

@@ -1,6 +1,6 @@
 #include "macos/loader/BridgeSymbols.h"
 #include "macos/loader/Processor.h"
-#include "macos/loader/arm64/AdaptedFunctions.h"
+#include "macos/loader/arm64/Constructors.h"
 
 #include <vector>
 
@@ -46,18 +46,19 @@ const Processor &Processor::ofThisProgram() {
 
 /// What macOS and Linux pass in different ways on arm64, and this program bridges:
 ///  - functions with variable arguments, those of the table above;
-///  - results below 32 bits, and constructors that return their object, of the functions in
-///    AdaptedFunctions.cpp; answers below 32 bits, of every method.
+///  - constructors, which return their object on macOS;
+///  - answers of methods below 32 bits, which macOS widens.
+/// It does not bridge, so that whoever is on this side has to take care of it:
+///  - results of functions below 32 bits: the function widens them;
+///  - arguments below 32 bits that go to a function of an image: the caller widens them.
 /// It does not bridge, and no image may use:
 ///  - methods with variable arguments, as +stringWithFormat:, and any other such function, as open;
 ///  - arguments below 64 bits behind the eight that lie in registers: an image packs them, this
 ///    system gives each a slot of its own;
-///  - long double, which is a double to an image;
-///  - arguments below 32 bits that this system's code passes to a function of an image: whoever
-///    calls one widens them.
+///  - long double, which is a double to an image.
 std::span<const BridgeSymbol> processorSymbols() {
     static const auto symbols = [] {
-        auto all = arm64::adaptedFunctions();
+        auto all = arm64::constructors();
         for (const auto &[name, function] : variableArguments)
             all.push_back({name, reinterpret_cast<void *>(function)});
         return all;

@@ -1,11 +1,8 @@
 // Calls of functions and methods whose arguments or answers each system passes in its own way.
-#import <CoreFoundation/CoreFoundation.h>
-#import <CoreServices/CoreServices.h>
 #import <Foundation/Foundation.h>
 
 #include <cstdarg>
 #include <cstdio>
-#include <stdexcept>
 
 /// Implemented by the program that loads the image.
 @interface TestAnswerer : NSObject
@@ -109,20 +106,5 @@ int byteOfClass(int value) {
 
 int byteOfManyArguments(TestAnswerer *answerer) {
     return [answerer lowByteOf:0x1000 b:2 c:4 d:8 e:16 f:32 g:64 h:128];
-}
-
-int copiedString(long value) {
-    char buffer[8];
-    return CFStringGetCString(reinterpret_cast<CFStringRef>(value), buffer, sizeof buffer, 0);
-}
-
-int gotReference(long value) {
-    FSRef reference;
-    return CFURLGetFSRef(reinterpret_cast<CFURLRef>(value), &reference);
-}
-
-int gotInformation(long value) {
-    return FSGetCatalogInfo(reinterpret_cast<FSRef *>(value), 0, nullptr, nullptr, nullptr,
-                            nullptr);
 }
 }
