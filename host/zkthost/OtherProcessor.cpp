@@ -6,9 +6,11 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -42,8 +44,8 @@ void continueFor(std::string_view processor, const char *const *arguments) {
         refuse(processor,
                ", and there is no " + words.back() + " (" + OTHER_BUILD_COMMAND " builds it)");
     std::vector<char *> pointers;
-    for (std::string &word : words)
-        pointers.push_back(word.data());
+    std::ranges::transform(words, std::back_inserter(pointers),
+                           [](std::string &word) { return word.data(); });
     for (++arguments; *arguments != nullptr; ++arguments)
         pointers.push_back(const_cast<char *>(*arguments));
     pointers.push_back(nullptr);

@@ -6,6 +6,7 @@
 
 #include "Encodings.h"
 #include "Misuse.h"
+#include "WideResults.h"
 
 #include <unicode/unorm2.h>
 
@@ -98,11 +99,14 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar *buffer) {
                                                   static_cast<NSUInteger>(range.length))];
 }
 
-Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
-                           CFStringEncoding encoding) {
-    standin::requireObject(string, __func__);
+extern "C" standin::WideBoolean getCString(CFStringRef string, char *buffer, CFIndex bufferSize,
+                                           CFStringEncoding encoding) asm("CFStringGetCString");
+
+standin::WideBoolean getCString(CFStringRef string, char *buffer, CFIndex bufferSize,
+                                CFStringEncoding encoding) {
+    standin::requireObject(string, "CFStringGetCString");
     if (bufferSize < 1) {
-        return false;
+        return 0;
     }
     // Piece by piece, so that nothing is allocated.
     auto *const text = (NSString *)string;
@@ -115,13 +119,13 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
         const auto size = standin::encode(piece, encoding, room.subspan(written));
         if (!size) {
             buffer[0] = '\0';
-            return false;
+            return 0;
         }
         written += *size;
         at += piece.size();
     }
     buffer[written] = '\0';
-    return true;
+    return 1;
 }
 
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form) {

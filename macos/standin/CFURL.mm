@@ -8,6 +8,7 @@
 #include "Methods.h"
 #include "Misuse.h"
 #include "UrlText.h"
+#include "WideResults.h"
 
 #include <string>
 #include <string_view>
@@ -55,12 +56,14 @@ id absoluteString(id url, SEL) {
 
 @end
 
-Boolean CFURLGetFSRef(CFURLRef url, FSRef *fsRef) {
-    standin::requireObject(url, __func__);
+extern "C" standin::WideBoolean getReference(CFURLRef url, FSRef *fsRef) asm("CFURLGetFSRef");
+
+standin::WideBoolean getReference(CFURLRef url, FSRef *fsRef) {
+    standin::requireObject(url, "CFURLGetFSRef");
     NSAutoreleasePool *const pool = [[NSAutoreleasePool alloc] init];
     const auto path = standin::fileSystemPath(absoluteText((NSURL *)url));
     [pool drain];
-    return path && standin::makeReference(*path, *fsRef);
+    return path && standin::makeReference(*path, *fsRef) ? 1 : 0;
 }
 
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {

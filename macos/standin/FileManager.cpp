@@ -2,6 +2,7 @@
 
 #include "FileReferences.h"
 #include "HfsNames.h"
+#include "WideResults.h"
 
 #include <algorithm>
 #include <cstring>
@@ -94,8 +95,14 @@ bool isBlank(const FSRef &ref) {
 } // namespace
 } // namespace standin
 
-OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo,
-                       HFSUniStr255 *outName, FSSpecPtr fileSpec, FSRef *parentRef) {
+extern "C" standin::WideOSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
+                                             FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                             FSSpecPtr fileSpec,
+                                             FSRef *parentRef) asm("FSGetCatalogInfo");
+
+standin::WideOSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo,
+                                  FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
+                                  FSSpecPtr fileSpec, FSRef *parentRef) {
     using namespace standin;
     if (ref == nullptr || fileSpec != nullptr || (whichInfo & ~knownFields) != 0) {
         return badParameter;

@@ -76,6 +76,32 @@ private:
     const fs::path folder_ = makeFolder();
 };
 
+/// The function's result as compilers for macOS take it: widened to 32 bits with its sign, which
+/// Linux does not ask for on arm64.
+template <typename Result, typename... Arguments>
+auto wide(Result (*function)(Arguments...)) {
+    return reinterpret_cast<std::int32_t (*)(Arguments...)>(reinterpret_cast<void (*)()>(function));
+}
+
+TEST_F(FileReferences, SmallResultsAreWidened) {
+    FSRef ref{};
+    const auto urlOf = [this](const char *name) {
+        return (CFURLRef)
+            [NSURL fileURLWithPath:[NSString stringWithUTF8String:(folder() / name).c_str()]];
+    };
+    EXPECT_EQ(wide(CFURLGetFSRef)(urlOf("none"), &ref), 0);
+    const auto getInfo = wide(FSGetCatalogInfo);
+    EXPECT_EQ(getInfo(nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), -50);
+    EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), -35);
+    const fs::path there = file("there");
+    EXPECT_EQ(wide(CFURLGetFSRef)(urlOf("there"), &ref), 1);
+    HFSUniStr255 name;
+    FSRef parent;
+    EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), 0);
+    fs::remove(there);
+    EXPECT_EQ(getInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), -43);
+}
+
 TEST_F(FileReferences, LeadBackToTheFile) {
     const fs::path item = file("a file");
     EXPECT_EQ(path(reference(item)), item);
