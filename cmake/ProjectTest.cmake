@@ -5,6 +5,12 @@ if(NOT TARGET GTest::gmock)
 endif()
 ProcessorCount(PROCESSORS)
 
+# Seconds after which something has to be wrong; emulated, a set takes fifteen times as long.
+set(LONGEST_SET 1500)
+if(CMAKE_CROSSCOMPILING)
+    set(LONGEST_SET 22500)
+endif()
+
 # Everything that './dev test' needs, and what '--all' needs besides.
 add_custom_target(tests)
 add_custom_target(whole_tests)
@@ -33,14 +39,14 @@ function(test_set set program)
     string(REPLACE / . report ${set})
     set(isolated --isolate --jobs ${jobs} --junit ${CMAKE_SOURCE_DIR}/build/junit/${report}.xml)
     add_test(NAME whole/${set} CONFIGURATIONS Whole COMMAND ${program} ${isolated} ${arguments})
-    set_tests_properties(whole/${set} PROPERTIES PROCESSORS ${PROCESSORS})
+    set_tests_properties(whole/${set} PROPERTIES PROCESSORS ${PROCESSORS} TIMEOUT ${LONGEST_SET})
     if(ARG_WHOLE_ONLY)
         add_dependencies(whole_tests ${program})
         return()
     endif()
     add_test(NAME part/${set} CONFIGURATIONS Isolated
         COMMAND ${program} ${isolated} ${arguments} ${ARG_PART})
-    set_tests_properties(part/${set} PROPERTIES PROCESSORS ${PROCESSORS})
+    set_tests_properties(part/${set} PROPERTIES PROCESSORS ${PROCESSORS} TIMEOUT ${LONGEST_SET})
     add_dependencies(tests ${program})
 endfunction()
 

@@ -72,3 +72,10 @@ TEST(ProgramsOfTests, HelpAndEnd) {
         EXPECT_EQ(run.err, "");
     }
 }
+
+TEST(ProgramsOfTests, SayHowManyTestsWereLeftOut) {
+    const Finished run = runProgram(CRASHING_TESTS, {"--isolate", "--except", "^Crashing"});
+    EXPECT_EQ(run.status, 1) << "no test was run";
+    EXPECT_EQ(run.out, "crashing_tests: 0 passed, 0 failed, 0 skipped, 1 left out by --except "
+                       "^Crashing, in 0 s\n");
+}

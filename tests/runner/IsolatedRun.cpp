@@ -64,15 +64,22 @@ std::regex expression(const char *option, const std::string &text) {
     }
 }
 
-Names testsOf(const IsolatedRun &run) {
-    Names names = run.order.empty() ? allTests() : linesOf(run.order);
+struct Selection {
+    Names names;
+    std::size_t leftOut = 0; ///< by --except
+};
+
+Selection testsOf(const IsolatedRun &run) {
+    Selection selection{.names = run.order.empty() ? allTests() : linesOf(run.order)};
     const std::regex wanted = expression("--matching", run.matching);
     const std::regex unwanted = expression("--except", run.except);
-    std::erase_if(names, [&](const std::string &name) {
-        return !std::regex_search(name, wanted) ||
-               (!run.except.empty() && std::regex_search(name, unwanted));
-    });
-    return names;
+    std::erase_if(selection.names,
+                  [&](const std::string &name) { return !std::regex_search(name, wanted); });
+    if (!run.except.empty())
+        selection.leftOut = std::erase_if(selection.names, [&](const std::string &name) {
+            return std::regex_search(name, unwanted);
+        });
+    return selection;
 }
 
 struct Child {
@@ -120,7 +127,8 @@ std::string endOf(int status, unsigned seconds) {
 /// What has come of the tests so far.
 class Tally {
 public:
-    Tally(const IsolatedRun &run, std::size_t tests) : run_(run), tests_(tests) {
+    Tally(const IsolatedRun &run, const Selection &selection)
+        : run_(run), tests_(selection.names.size()), leftOut_(selection.leftOut) {
         if (!run.durations.empty())
             durations_.open(run.durations);
     }
@@ -158,6 +166,8 @@ public:
         const std::chrono::duration<double> duration = Clock::now() - start_;
         std::cout << label << ": " << passed_ << " passed, " << failed_ << " failed, " << skipped_
                   << " skipped";
+        if (leftOut_ > 0)
+            std::cout << ", " << leftOut_ << " left out by --except " << run_.except;
         if (cells_ > 0)
             std::cout << ", " << cells_ << " cells of the matrices";
         std::cout << ", in " << static_cast<int>(duration.count()) << " s" << std::endl;
@@ -169,6 +179,7 @@ public:
 private:
     const IsolatedRun &run_;
     std::size_t tests_;
+    std::size_t leftOut_;
     Clock::time_point start_ = Clock::now();
     std::ofstream durations_;
     JUnitReport junit_;
@@ -221,11 +232,11 @@ int runTests(const IsolatedRun &run, const std::string &label) {
     if (!run.wanted)
         return RUN_ALL_TESTS();
 
-    const Names tests = testsOf(run);
+    const Selection selection = testsOf(run);
     const std::size_t jobs = run.jobs > 0 ? run.jobs : std::thread::hardware_concurrency();
-    Tally tally(run, tests.size());
+    Tally tally(run, selection);
     std::map<pid_t, Child> running;
-    for (const std::string &test : tests) {
+    for (const std::string &test : selection.names) {
         Child child{.test = test};
         const pid_t process = start(child, run.secondsPerTest);
         if (process == 0)

@@ -23,6 +23,6 @@ struct IsolatedRun {
 
 /// Runs the tests after testing::InitGoogleMock and gives the process's exit status, which main
 /// must return at once: it is called in the forks too. Prints what failing tests print, and at the
-/// end one line that begins with the label: tests passed, failed and skipped, and the sum of the
-/// lines "N cells" that tests have printed.
+/// end one line that begins with the label: tests passed, failed, skipped and left out by `except`,
+/// and the sum of the lines "N cells" that tests have printed.
 int runTests(const IsolatedRun &run, const std::string &label);
