@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sstream>
 #include <string_view>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -79,15 +80,16 @@ std::vector<char *> pointersTo(std::vector<std::string> &command) {
 std::vector<std::string> commandOf(const std::filesystem::path &program,
                                    const std::vector<std::string> &arguments) {
     std::vector<std::string> command;
-    if (isEmulated())
-        command.emplace_back(EMULATE);
+    std::istringstream emulator(EMULATOR); // a word a line
+    for (std::string word; std::getline(emulator, word);)
+        command.push_back(word);
     command.push_back(program.string());
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }
 
 bool isEmulated() {
-    return !std::string_view(EMULATE).empty();
+    return !std::string_view(EMULATOR).empty();
 }
 
 Finished runProgram(const std::filesystem::path &program, const std::vector<std::string> &arguments,

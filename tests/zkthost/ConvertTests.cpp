@@ -188,6 +188,8 @@ TEST_P(Convert, RefusesListsThatAreNestedTooDeeply) {
 }
 
 TEST_P(Convert, ReadsAFileWithANameThatIsNoUtf8) {
+    if (isEmulated())
+        GTEST_SKIP() << "an emulator shows GNUstep its own copy of the command line, as it was";
     EXPECT_THAT(tree({"--plist", folder.write("l\xFCst", "(a)")}),
                 testing::ElementsAre("Array, 1 element", "  0: \"a\""));
 }

@@ -217,10 +217,10 @@ void appendBigEndian(std::string &bytes, std::uint32_t number) {
 }
 
 /// A universal file with one slice, at 4096.
-std::string universal(std::uint32_t processor, const std::string &slice) {
+std::string universal(const MachOProcessor &processor, const std::string &slice) {
     std::string bytes;
-    for (const std::uint32_t word :
-         {0xCAFEBABEu, 1u, processor, 3u, 4096u, static_cast<std::uint32_t>(slice.size()), 12u})
+    for (const std::uint32_t word : {0xCAFEBABEu, 1u, processor.number, processor.kind, 4096u,
+                                     static_cast<std::uint32_t>(slice.size()), 12u})
         appendBigEndian(bytes, word);
     bytes.resize(4096);
     return bytes + slice;
@@ -229,16 +229,16 @@ std::string universal(std::uint32_t processor, const std::string &slice) {
 } // namespace
 
 TEST_F(DamagedImage, UniversalFileWithTheRightSliceWorks) {
-    expectSuccess(runWith(universal(ownProcessor.number, macos)));
+    expectSuccess(runWith(universal(ownProcessor, macos)));
 }
 
 TEST_F(DamagedImage, UniversalFileForAnotherProcessor) {
     setNumber(macos, processorOffset, otherProcessor.number);
-    expectRefused(universal(otherProcessor.number, macos), otherProcessor.name);
+    expectRefused(universal(otherProcessor, macos), otherProcessor.name);
 }
 
 TEST_F(DamagedImage, UniversalFileCut) {
-    const std::string whole = universal(ownProcessor.number, macos);
+    const std::string whole = universal(ownProcessor, macos);
     for (const std::size_t size : {4u, 8u, 20u, 28u, 4096u, 4100u, 8192u}) {
         SCOPED_TRACE(size);
         expectRefused(whole.substr(0, size));

@@ -47,10 +47,11 @@ protected:
 
 TEST_F(OtherZkthost, IsGivenTheSameArguments) {
     builds.write("zkthost", "printf '<%s>' \"$@\"\nexit 3\n");
+    const std::string last = isEmulated() ? "b" : "\xFC"; // that is no UTF-8
     const Finished run =
-        builds.run({"run", "--arch", otherName, "--trace", "a file", "", "--arch", "b\xFC"});
+        builds.run({"run", "--arch", otherName, "--trace", "a file", "", "--arch", last});
     EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.out, "<run><--arch><" + otherName + "><--trace><a file><><--arch><b\xFC>");
+    EXPECT_EQ(run.out, "<run><--arch><" + otherName + "><--trace><a file><><--arch><" + last + ">");
     EXPECT_EQ(run.err, "");
 }
 

@@ -13,9 +13,10 @@
 struct MachOProcessor {
     std::string_view name;
     std::uint32_t number;
+    std::uint32_t kind; ///< every one of that number
 };
-constexpr MachOProcessor intel{"x86_64", 0x01000007};
-constexpr MachOProcessor appleSilicon{"arm64", 0x0100000C};
+constexpr MachOProcessor intel{"x86_64", 0x01000007, 3};
+constexpr MachOProcessor appleSilicon{"arm64", 0x0100000C, 0};
 /// The one that this program is for, and another.
 constexpr MachOProcessor ownProcessor = processor::name == intel.name ? intel : appleSilicon;
 constexpr MachOProcessor otherProcessor = processor::name == intel.name ? appleSilicon : intel;
