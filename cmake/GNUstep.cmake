@@ -21,7 +21,7 @@ set(GNU_OBJC_FLAGS -fobjc-runtime=gcc -fobjc-exceptions -fexceptions
 add_library(gnustep_base INTERFACE)
 target_compile_options(gnustep_base INTERFACE
     "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:${GNU_OBJC_FLAGS}>"
-    "SHELL:-isystem ${GNUSTEP_INCLUDE}" "SHELL:-idirafter ${GCC_FOLDER}/include")
+    "SHELL:-isystem \"${GNUSTEP_INCLUDE}\"" "SHELL:-idirafter \"${GCC_FOLDER}/include\"")
 target_compile_definitions(gnustep_base INTERFACE
     GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_RUNTIME=1 _NATIVE_OBJC_EXCEPTIONS)
 target_link_libraries(gnustep_base INTERFACE ${GNUSTEP_BASE_LIBRARY} ${LIBOBJC})

@@ -16,7 +16,7 @@ endif()
 
 add_library(llvm_object INTERFACE)
 # Behind libstdc++'s own headers, which it must not hide.
-target_compile_options(llvm_object INTERFACE "SHELL:-idirafter ${CMAKE_SYSROOT}${llvm_headers}")
+target_compile_options(llvm_object INTERFACE "SHELL:-idirafter \"${CMAKE_SYSROOT}${llvm_headers}\"")
 target_link_libraries(llvm_object INTERFACE ${llvm_archives} ${CMAKE_DL_LIBS})
 # Reading debug information may take these, whose packages for developers may be missing; the
 # libraries themselves came with LLVM.
