@@ -81,6 +81,7 @@ set(LIBEDIT ${stubs}/libedit.tbd)
 set(LIBMD4C_HTML ${stubs}/libmd4c-html.tbd)
 library_icu(${stubs}/libicucore.tbd ${headers})
 file(GLOB libbenchmark /usr/lib/*-linux-gnu/libbenchmark.so)
+list(GET libbenchmark 0 libbenchmark)
 import_stub(libbenchmark @rpath/libbenchmark.1.dylib ${libbenchmark}
     "_Z[^\n]*9benchmark[^\n]+" --dynamic)
 library(google_benchmark ${CMAKE_BINARY_DIR}/libbenchmark.tbd ${headers})

@@ -9,7 +9,8 @@ extern "C" const char *__lsan_default_options();
 extern "C" const char *__asan_default_options();
 
 const char *__lsan_default_suppressions() {
-    return "leak:libobjc.so\nleak:libgnustep-base.so\nleak:ld-linux-x86-64.so\n";
+    return "leak:libobjc.so\nleak:libgnustep-base.so\nleak:ld-linux-x86-64.so\n"
+           "leak:ld-linux-aarch64.so\n";
 }
 
 const char *__lsan_default_options() {

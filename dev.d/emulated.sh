@@ -20,9 +20,11 @@ arm64_packages() {
 # As apt on that machine, with this one's sources.
 arm64_apt_get() { APT_CONFIG=$arm64_apt/apt.conf apt-get "$@"; }
 
+# Each step only after the one before: 'set -e' does not hold where failure is asked for.
 fetch_arm64_packages() {
     local whole alone
-    { read -r whole && read -r alone; } < <(arm64_packages)
+    { read -r whole && read -r alone; } < <(arm64_packages) || return
+    rm -rf "$arm64_apt"
     mkdir -p "$arm64_apt"/{lists,cache/archives}/partial "$arm64_apt/state"
     : >"$arm64_apt/status"
     cat >"$arm64_apt/apt.conf" <<CONF
@@ -35,9 +37,9 @@ Dir::State::Lists "$PWD/$arm64_apt/lists";
 Dir::State::status "$PWD/$arm64_apt/status";
 Dir::Cache "$PWD/$arm64_apt/cache";
 CONF
-    arm64_apt_get update -q
+    arm64_apt_get update -q || return
     # shellcheck disable=SC2086 # names, one a word
-    arm64_apt_get install -y -q --download-only $whole
+    arm64_apt_get install -y -q --download-only $whole || return
     # shellcheck disable=SC2086
     (cd "$arm64_apt/cache/archives" && APT_CONFIG=$OLDPWD/$arm64_apt/apt.conf apt-get download -q $alone)
 }
